@@ -1,0 +1,160 @@
+// Reads the asset summary from the profiler's property list: one small group of fields a function.
+#include <array>
+#include <cstdio>
+#include <optional>
+
+#include "main/collect/command_runner.h"
+#include "main/collect/host_identity.h"
+#include "zxml/value_text.h"
+
+namespace {
+
+const std::string* TextUnder(const PropertyList* dictionary, const char* key) {
+  const PropertyList* text = FindKey(dictionary, key, PropertyListKind::Text);
+  return text ? &text->text : nullptr;
+}
+
+std::optional<double> NumberUnder(const PropertyList* dictionary, const char* key) {
+  const PropertyList* number = FindKey(dictionary, key, PropertyListKind::Number);
+  if (!number) return std::nullopt;
+  return IsFloating(number->numberType) ? number->real : static_cast<double>(number->integer);
+}
+
+void CopyText(const PropertyList* dictionary, const char* key, std::string& field) {
+  if (const std::string* text = TextUnder(dictionary, key)) field = *text;
+}
+
+std::string Unsigned(double number) { return std::to_string(TruncateToUint32(number)); }
+
+// Whole megabytes in a size text, by way of single precision.
+std::string Megabytes(const std::string& size) { return Unsigned(static_cast<float>(ParseSizeGB(size)) * 1024.0f); }
+
+std::string OneDecimal(double number) {
+  char text[352];
+  std::snprintf(text, sizeof text, "%.1f", number);
+  return text;
+}
+
+// "Ann Lee (ann)" gives "ann".
+std::string ShortUserName(const std::string& userName) {
+  const std::size_t open = userName.find('(');
+  const std::size_t start = open == std::string::npos ? 0 : open + 1;
+  return userName.substr(start, userName.find(')', start) - start);
+}
+
+constexpr std::array<const char*, 8> kReleaseNames = {
+    "Mac OS X v10.0 (Cheetah)", "Mac OS X v10.1 (Puma)",    "Mac OS X v10.2 (Jaguar)",       "Mac OS X v10.3 (Panther)",
+    "Mac OS X v10.4 (Tiger)",   "Mac OS X v10.5 (Leopard)", "Mac OS X v10.6 (Snow Leopard)", "Mac OS X v10.7 (Lion)",
+};
+
+// deliberate: fixed positions that fit "Mac OS X 10.6.8 (10K549)", whatever the text says
+void SplitSystemVersion(const std::string& version, AssetSummary& summary) {
+  const bool named = version.size() > 12 && version[12] >= '0' && version[12] <= '7';
+  summary.osName = named ? kReleaseNames[static_cast<std::size_t>(version[12] - '0')] : version;
+  if (version.size() >= 14) summary.osUpdate = "Update " + version.substr(14, version.find(' ', 14) - 14);
+  if (version.size() >= 9) summary.osVersion = version.substr(9);
+}
+
+void CollectSoftware(const PropertyList& list, AssetSummary& summary) {
+  const PropertyList* software = FirstElement(FindItems(list, "SPSoftwareDataType"));
+  CopyText(software, "local_host_name", summary.localHostName);
+  if (const std::string* userName = TextUnder(software, "user_name")) summary.userName = ShortUserName(*userName);
+  if (const std::string* version = TextUnder(software, "os_version")) SplitSystemVersion(*version, summary);
+}
+
+void CollectProcessor(const PropertyList* hardware, AssetSummary& summary) {
+  const std::optional<double> packages = NumberUnder(hardware, "packages");
+  const std::optional<double> processors = NumberUnder(hardware, "number_processors");
+  if (packages) summary.packages = Unsigned(*packages);
+  if (packages && processors) summary.logicalProcessors = Unsigned(*processors * *packages);
+  if (const std::string* speed = TextUnder(hardware, "current_processor_speed")) {
+    const auto gigahertz = static_cast<float>(NumberAtStart(speed->substr(0, speed->find(' '))));
+    summary.processorSpeed = Unsigned(1000.0 * TruncateToUint32(gigahertz));  // deliberate: 2.66 GHz gives 2000
+  }
+  if (const std::string* type = TextUnder(hardware, "cpu_type")) {
+    summary.processorType = *type;
+    if (type->find("Intel") != std::string::npos) summary.processorMaker = "GenuineIntel";
+  }
+}
+
+void CollectHardware(const PropertyList& list, AssetSummary& summary) {
+  const PropertyList* hardware = FirstElement(FindItems(list, "SPHardwareDataType"));
+  summary.platformUuid = RunCommand(kPlatformUuidCommand, kPlatformUuidChunk);
+  if (summary.platformUuid.empty()) CopyText(hardware, "platform_UUID", summary.platformUuid);
+  CollectProcessor(hardware, summary);
+  if (const std::string* model = TextUnder(hardware, "machine_model")) {
+    summary.machineModel = *model;
+    summary.systemMaker = "Apple Inc.";
+  }
+  if (const std::string* memory = TextUnder(hardware, "physical_memory")) summary.physicalMemory = Megabytes(*memory);
+}
+
+// The display marked as main, else the first one.
+const PropertyList* MainDisplay(const PropertyList* adapter) {
+  const PropertyList* displays = FindKey(adapter, "spdisplays_ndrvs", PropertyListKind::Array);
+  if (!displays) return nullptr;
+  for (const PropertyList& display : displays->items) {
+    const std::string* main = TextUnder(&display, "spdisplays_main");
+    if (main && *main == "spdisplays_yes") return &display;
+  }
+  return FirstElement(displays);
+}
+
+// Image size in the EDID's bytes 21 and 22, as digits behind "0x"; unreadable digits make both lengths 0.
+std::string DiagonalOfEdid(const std::string& edid) {
+  constexpr char kDigits[] = "0123456789abcdefABCDEF";
+  const std::string digits = edid.size() >= 48 ? edid.substr(44, 4) : std::string();
+  unsigned width = 0, height = 0;
+  if (!digits.empty() && digits.find_first_not_of(kDigits) == std::string::npos)
+    std::sscanf(digits.c_str(), "%2x%2x", &width, &height);
+  return Unsigned(static_cast<double>(DiagonalInches(width, height)));
+}
+
+void CollectDisplay(const PropertyList& list, AssetSummary& summary) {
+  const PropertyList* adapter = FirstElement(FindItems(list, "SPDisplaysDataType"));
+  if (const std::string* memory = TextUnder(adapter, "spdisplays_vram")) summary.videoMemory = Megabytes(*memory);
+  const PropertyList* display = MainDisplay(adapter);
+  CopyText(display, "spdisplays_resolution", summary.displayResolution);
+  if (const std::string* edid = TextUnder(display, "_spdisplays_edid")) summary.displayDiagonal = DiagonalOfEdid(*edid);
+}
+
+struct DiskTotals {
+  std::uint64_t capacity = 0;  // decimal GB
+  double volumes = 0.0, free = 0.0;
+};
+
+double SizeUnder(const PropertyList* dictionary, const char* key) {
+  const std::string* size = TextUnder(dictionary, key);
+  return size ? ParseSizeGB(*size) : 0.0;
+}
+
+void AddDisk(const PropertyList& device, DiskTotals& totals) {
+  const std::int64_t bytes = TruncateToInt64(SizeUnder(&device, "size") * 1073741824.0);
+  totals.capacity += static_cast<std::uint64_t>(bytes < 0 ? 0 : bytes) / 1000000000u;
+  const PropertyList* volumes = FindKey(&device, "volumes", PropertyListKind::Array);
+  if (!volumes) return;
+  for (const PropertyList& volume : volumes->items) {
+    totals.volumes += SizeUnder(&volume, "size");
+    totals.free += SizeUnder(&volume, "free_space");
+  }
+}
+
+void CollectDisks(const PropertyList& list, AssetSummary& summary) {
+  DiskTotals totals;
+  if (const PropertyList* controllers = FindItems(list, "SPSerialATADataType"))
+    for (const PropertyList& controller : controllers->items)
+      if (const PropertyList* devices = FindKey(&controller, "_items", PropertyListKind::Array))
+        for (const PropertyList& device : devices->items) AddDisk(device, totals);
+  summary.diskCapacity = Unsigned(static_cast<double>(totals.capacity));
+  summary.volumeCapacity = OneDecimal(totals.volumes);
+  summary.volumeFree = OneDecimal(totals.free);
+}
+
+}  // namespace
+
+void CollectAssetSummary(const PropertyList& list, AssetSummary& summary) {
+  CollectSoftware(list, summary);
+  CollectHardware(list, summary);
+  CollectDisplay(list, summary);
+  CollectDisks(list, summary);
+}

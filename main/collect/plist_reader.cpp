@@ -1,0 +1,197 @@
+// Walks a property list and enters it into a tag tree. Each walker holds on to the place that it fills, so that a value
+// costs one look at its own tag, however deep the tag lies.
+#include "main/collect/plist_reader.h"
+
+#include <array>
+#include <cstdio>
+#include <deque>
+#include <optional>
+
+namespace {
+
+// Whether a number stands directly under a data type's key or deeper.
+enum class Level { DataType, Nested };
+
+// deliberate: a number of 8, 16 or 32 bits is widened with zeros, so that a negative one comes out large and positive
+Value WidenedWithZeros(const PropertyList& number) {
+  switch (number.numberType) {
+    case NumberType::SInt8:
+      return MakeIntValue(static_cast<std::uint8_t>(number.integer));
+    case NumberType::SInt16:
+      return MakeIntValue(static_cast<std::uint16_t>(number.integer));
+    default:
+      return MakeIntValue(static_cast<std::uint32_t>(number.integer));
+  }
+}
+
+std::optional<Value> NumberValue(const PropertyList& number, Level level) {
+  switch (number.numberType) {
+    case NumberType::SInt8:
+    case NumberType::SInt16:
+    case NumberType::SInt32:
+      return WidenedWithZeros(number);
+    case NumberType::SInt64:
+    case NumberType::LongLong:
+      // deliberate: text directly under a data type, a number deeper down
+      return level == Level::DataType ? MakeTextValue(std::to_string(number.integer)) : MakeIntValue(number.integer);
+    case NumberType::Char:
+    case NumberType::Short:
+    case NumberType::Int:
+    case NumberType::Long:
+    case NumberType::CFIndex:
+    case NumberType::NSInteger:
+      return MakeIntValue(number.integer);
+    case NumberType::Float32:
+    case NumberType::Float64:
+    case NumberType::Float:
+    case NumberType::Double:
+      return MakeDoubleValue(number.real);
+    case NumberType::CGFloat:
+      break;
+  }
+  return std::nullopt;
+}
+
+std::optional<Value> ScalarValue(const PropertyList& node, Level level) {
+  switch (node.kind) {
+    case PropertyListKind::Text:
+      return MakeTextValue(node.text);
+    case PropertyListKind::Date:
+      return MakeTextValue(FormatDate(node.real, DateForm::Full));
+    case PropertyListKind::Number:
+      return NumberValue(node, level);
+    default:
+      return std::nullopt;
+  }
+}
+
+void EnterScalar(const PropertyList& node, const std::string& name, EntryPoint& place, Level level) {
+  if (std::optional<Value> value = ScalarValue(node, level)) SetPathAttribute(place.Resolve(), name, std::move(*value));
+}
+
+bool IsNamedList(const std::string& key) { return key == "spfirewall_applications" || key == "spfirewall_services"; }
+
+void EnterNode(const PropertyList& node, std::string name, EntryPoint& place) {
+  if (node.kind != PropertyListKind::Dictionary && node.kind != PropertyListKind::Array)
+    return EnterScalar(node, name, place, Level::Nested);
+  EntryPoint below(place, std::move(name));
+  if (node.kind == PropertyListKind::Dictionary) return EnterDictionary(node, below);
+  EnterArray(node, below);
+}
+
+bool IsSkippedKey(const std::string& key) {
+  return key == "_dataType" || key == "_detailLevel" || key == "_properties";
+}
+
+void EnterDataType(const PropertyList& result, EntryPoint& place) {
+  for (std::size_t i = 0; i < result.items.size(); ++i) {
+    if (IsSkippedKey(result.keys[i])) continue;
+    const PropertyList& node = result.items[i];
+    const bool container = node.kind == PropertyListKind::Dictionary || node.kind == PropertyListKind::Array;
+    if (container)
+      EnterNode(node, SanitizeKey(result.keys[i]), place);
+    else
+      EnterScalar(node, SanitizeKey(result.keys[i]), place, Level::DataType);
+  }
+}
+
+// The data type's name is a path of its own: each "/" in it begins another tag.
+void EnterResult(const PropertyList& result, std::string_view dataType, TagTree& rawTree) {
+  std::deque<EntryPoint> path;
+  path.emplace_back(RootOf(rawTree));
+  for (std::size_t slash = dataType.find('/'); slash != std::string_view::npos; slash = dataType.find('/')) {
+    EntryPoint& last = path.back();
+    path.emplace_back(last, std::string(dataType.substr(0, slash)));
+    dataType.remove_prefix(slash + 1);
+  }
+  EntryPoint& last = path.back();
+  path.emplace_back(last, std::string(dataType));
+  EnterDataType(result, path.back());
+}
+
+// The offset in minutes of a zone such as "+0530"; digits past the fourth do not count.
+unsigned ZoneMinutes(std::string_view digits) {
+  unsigned hours = 0, minutes = 0;
+  std::sscanf(std::string(digits.substr(0, 4)).c_str(), "%2u%2u", &hours, &minutes);
+  return hours * 60 + minutes;
+}
+
+struct Entity {
+  char character;
+  const char* text;
+};
+constexpr Entity kEntities[] = {{'&', "&amp;"}, {'\'', "&apos;"}, {'<', "&lt;"}, {'>', "&gt;"}};
+
+}  // namespace
+
+void EnterProfilerData(const PropertyList& list, TagTree& rawTree) {
+  if (list.kind != PropertyListKind::Array) return;
+  for (const PropertyList& result : list.items) {
+    const PropertyList* dataType = FindKey(&result, "_dataType", PropertyListKind::Text);
+    if (!dataType || dataType->text == "SPLogsDataType" || dataType->text == "SPFontsDataType") continue;
+    EnterResult(result, dataType->text, rawTree);
+  }
+}
+
+void EnterDictionary(const PropertyList& dictionary, EntryPoint& place) {
+  for (std::size_t i = 0; i < dictionary.items.size(); ++i) {
+    const PropertyList& node = dictionary.items[i];
+    if (node.kind == PropertyListKind::Dictionary && IsNamedList(dictionary.keys[i])) {
+      EntryPoint below(place, SanitizeKey(dictionary.keys[i]));
+      EnterNamedList(node, below);
+    } else {
+      EnterNode(node, SanitizeKey(dictionary.keys[i]), place);
+    }
+  }
+}
+
+void EnterArray(const PropertyList& array, EntryPoint& place) {
+  for (std::size_t i = 0; i < array.items.size(); ++i) EnterNode(array.items[i], "item" + std::to_string(i), place);
+}
+
+void EnterNamedList(const PropertyList& dictionary, EntryPoint& place) {
+  for (std::size_t k = 0; k < dictionary.items.size(); ++k) {
+    if (dictionary.items[k].kind != PropertyListKind::Text) continue;
+    EntryPoint entry(place, "item" + std::to_string(k));
+    SetPathAttribute(entry.Resolve(), "_name", MakeTextValue(dictionary.keys[k]));
+    SetPathAttribute(entry.Resolve(), "value", MakeTextValue(dictionary.items[k].text));
+  }
+}
+
+std::string SanitizeKey(std::string_view key) {
+  static constexpr std::array<std::string_view, 7> kSpecial = {"'", " ", "/", ",", "\u2018", "\u2019", "\u201B"};
+  std::string name;
+  while (!key.empty()) {
+    std::size_t taken = 0;
+    for (const std::string_view special : kSpecial)
+      if (key.substr(0, special.size()) == special) taken = special.size();
+    name += taken ? '_' : key.front();
+    key.remove_prefix(taken ? taken : 1);
+  }
+  return name;
+}
+
+std::string FormatDate(double seconds, DateForm form) {
+  std::string text = FormatLocalTime(seconds, form);
+  const std::size_t blank = text.rfind(' ');
+  if (form == DateForm::Short || blank == std::string::npos || blank + 1 >= text.size()) return text;
+  const std::string zone = text.substr(blank + 1);
+  return text.substr(0, blank) + zone[0] + std::to_string(ZoneMinutes(std::string_view(zone).substr(1)));
+}
+
+std::string EscapeXmlText(std::string text) {
+  if (text.empty()) return text;
+  constexpr char kSpecial[] = "&'<>";
+  // deliberate: the first search leaves out the last character
+  std::size_t at = std::string_view(text).substr(0, text.size() - 1).find_first_of(kSpecial);
+  while (at != std::string::npos) {
+    for (const Entity& entity : kEntities) {
+      if (text[at] != entity.character) continue;
+      text.replace(at, 1, entity.text);
+      at += std::string_view(entity.text).size();
+      break;
+    }
+    at = text.find_first_of(kSpecial, at);
+  }
+  return text;
+}

@@ -1,0 +1,92 @@
+// Runs the profiler once for each data type and splices the documents: they share a head and a tail of fixed length,
+// which are cut off by length, unread.
+#include "main/collect/profiler.h"
+
+#include "main/collect/command_runner.h"
+#include "main/console/console_log.h"
+
+namespace {
+
+constexpr char kHead[] =
+    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+    "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" \"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
+    "<plist version=\"1.0\">\n"
+    "<array>\n";
+constexpr char kTail[] = "</array>\n</plist>\n";
+constexpr std::size_t kHeadSize = sizeof kHead - 1;
+constexpr std::size_t kTailSize = sizeof kTail - 1;
+static_assert(kHeadSize == 172 && kTailSize == 18);
+
+constexpr std::size_t kChunkSize = 65536;
+constexpr int kRuns = 5;
+
+struct DataType {
+  const char* name;
+  int percent;  // shown by a silent scan once the data type is there; 0 for nothing
+};
+
+constexpr DataType kDataTypes[] = {
+    {"SPHardwareDataType", 0},       {"SPNetworkDataType", 10},
+    {"SPSoftwareDataType", 0},       {"SPParallelATADataType", 20},
+    {"SPAudioDataType", 0},          {"SPBluetoothDataType", 30},
+    {"SPFireWireDataType", 0},       {"SPDisplaysDataType", 40},
+    {"SPMemoryDataType", 0},         {"SPPrintersDataType", 50},
+    {"SPSerialATADataType", 0},      {"SPParallelSCSIDataType", 0},
+    {"SPUSBDataType", 60},           {"SPAirPortDataType", 0},
+    {"SPFirewallDataType", 70},      {"SPNetworkLocationDataType", 0},
+    {"SPNetworkVolumeDataType", 80}, {"SPApplicationsDataType", 0},
+    {"SPStartupItemDataType", 90},   {"SPDiscBurningDataType", 0},
+    {"SPStorageDataType", 0},        {"SPNVMeDataType", 0},
+    {"SPPowerDataType", 100},
+};
+constexpr std::size_t kDataTypeCount = sizeof kDataTypes / sizeof kDataTypes[0];
+static_assert(kDataTypeCount == 23);
+
+std::string RunUntilOutput(const std::string& command) {
+  std::string output;
+  for (int run = 0; run < kRuns && output.empty(); ++run) output = RunCommand(command, kChunkSize);
+  return output;
+}
+
+ProfilerPosition PositionOf(std::size_t index) {
+  if (index == 0) return ProfilerPosition::First;
+  return index + 1 == kDataTypeCount ? ProfilerPosition::Last : ProfilerPosition::Middle;
+}
+
+// What stands in for a first or last piece that is empty.
+const char* LastResort(ProfilerPosition position) {
+  switch (position) {
+    case ProfilerPosition::First:
+      return kHead;
+    case ProfilerPosition::Last:
+      return kTail;
+    case ProfilerPosition::Middle:
+      break;
+  }
+  return "";
+}
+
+}  // namespace
+
+std::string RunProfilerType(const char* dataType, ProfilerPosition position) {
+  std::string piece = RunUntilOutput(std::string("system_profiler -detailLevel full -xml ") + dataType);
+  const std::size_t head = position == ProfilerPosition::First ? 0 : kHeadSize;
+  const std::size_t tail = position == ProfilerPosition::Last ? 0 : kTailSize;
+  if (piece.size() < head + tail) return std::string();
+  piece.resize(piece.size() - tail);
+  piece.erase(0, head);
+  return piece;
+}
+
+std::string CollectProfilerData(bool silent) {
+  std::string document;
+  for (std::size_t i = 0; i < kDataTypeCount; ++i) {
+    const ProfilerPosition position = PositionOf(i);
+    const std::string piece = RunProfilerType(kDataTypes[i].name, position);
+    document += piece.empty() ? LastResort(position) : piece;
+    if (silent && kDataTypes[i].percent) LogLine("%d%%\n", kDataTypes[i].percent);
+  }
+  return document;
+}
+
+std::string RunWholeProfiler() { return RunUntilOutput("system_profiler -detailLevel full -xml"); }

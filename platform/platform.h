@@ -1,0 +1,49 @@
+// What differs between a Mac and any other machine: five questions, no state. macos.cpp answers them with the system's
+// frameworks, portable.cpp with libplist, the C library's clock and a recorded Mac (or the machine it runs on).
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/property_list.h"
+
+// The property list in `document` (XML or binary), which is released as soon as it is parsed. Null when the document
+// cannot be parsed or its root is not an array.
+PropertyList ParsePropertyList(std::string document);
+
+enum class DateForm { Full, Short };
+
+// A moment (seconds since 2001-01-01 00:00 UTC) in local time: "yyyyMMddHHmmss.000000 +hhmm" in the full form,
+// "yyyy-MM-dd" in the short one. Empty when the moment has no local time.
+std::string FormatLocalTime(double seconds, DateForm form);
+
+// Now, in seconds since 2001-01-01 00:00 UTC.
+double CurrentTime();
+
+// The computer's name in UTF-8; empty when it has none.
+std::string ComputerName();
+
+struct ProcessRecord {
+  std::int32_t pid = 0;
+  std::int32_t parentPid = 0;
+  std::string name;  // the kernel's short command name
+};
+
+struct ProcessTable {
+  std::vector<ProcessRecord> records;  // in the kernel's order
+  bool grew = false;                   // the table outgrew this pass: ask again
+};
+
+// One pass over the kernel's process table; no value when the kernel does not answer.
+std::optional<ProcessTable> ReadProcessTable();
+
+struct Bundle {
+  std::string fileName;      // the last component of its path
+  std::string path;          // as on the Mac, without a trailing slash
+  PropertyList information;  // its information dictionary; Null when it has none or an empty one
+};
+
+// The bundles directly inside `folder`, in the platform's order; none when the folder cannot be read.
+std::vector<Bundle> LoadBundles(const std::string& folder);

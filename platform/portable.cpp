@@ -1,0 +1,153 @@
+// The platform outside macOS: property lists come from libplist, time from the C library, and what a Mac's frameworks
+// would say from the recording named by QUILL_RECORDING, or else from the machine itself.
+#include <dirent.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+
+#include "platform/platform.h"
+#include "platform/plist_document.h"
+
+namespace {
+
+constexpr double kEpoch2001 = 978307200.0;  // 2001-01-01 00:00 UTC in seconds since 1970
+
+// The recording's folder, null when none is played.
+const char* Recording() {
+  const char* folder = std::getenv("QUILL_RECORDING");
+  return folder && *folder ? folder : nullptr;
+}
+
+std::string ReadFile(const std::string& path) {
+  std::string text;
+  std::FILE* file = std::fopen(path.c_str(), "r");
+  if (!file) return text;
+  char chunk[16384];
+  for (std::size_t n = 1; (n = std::fread(chunk, 1, sizeof chunk, file)) > 0;) text.append(chunk, n);
+  std::fclose(file);
+  return text;
+}
+
+bool IsFolder(const std::string& path) {
+  struct stat status;
+  return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+std::vector<std::string> FolderEntries(const std::string& folder) {
+  std::vector<std::string> names;
+  DIR* stream = opendir(folder.c_str());
+  if (!stream) return names;
+  while (const dirent* entry = readdir(stream)) names.emplace_back(entry->d_name);
+  closedir(stream);
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+// "<pid> <ppid> <name>", the name being the rest of the line.
+bool ParseRecordedProcess(const std::string& line, ProcessRecord& record) {
+  int nameAt = 0;
+  if (std::sscanf(line.c_str(), "%d %d %n", &record.pid, &record.parentPid, &nameAt) < 2 || nameAt == 0) return false;
+  record.name = line.substr(static_cast<std::size_t>(nameAt));
+  return true;
+}
+
+ProcessTable RecordedProcesses(const std::string& recording) {
+  ProcessTable table;
+  const std::string text = ReadFile(recording + "/processes.txt");
+  for (std::size_t start = 0; start < text.size();) {
+    const std::size_t end = std::min(text.find('\n', start), text.size());
+    ProcessRecord record;
+    if (ParseRecordedProcess(text.substr(start, end - start), record)) table.records.push_back(std::move(record));
+    start = end + 1;
+  }
+  return table;
+}
+
+// "<pid> (<name>) <state> <ppid> ..."; the name may hold parentheses of its own.
+bool ParseProcStat(const std::string& text, ProcessRecord& record) {
+  const std::size_t open = text.find('('), close = text.rfind(')');
+  if (open == std::string::npos || close == std::string::npos || close < open) return false;
+  record.name = text.substr(open + 1, close - open - 1);
+  char state = 0;
+  return std::sscanf(text.c_str(), "%d", &record.pid) == 1 &&
+         std::sscanf(text.c_str() + close + 1, " %c %d", &state, &record.parentPid) == 2;
+}
+
+std::optional<ProcessTable> MachineProcesses() {
+  ProcessTable table;
+  if (!IsFolder("/proc/self")) return std::nullopt;
+  for (const std::string& name : FolderEntries("/proc")) {
+    if (name.find_first_not_of("0123456789") != std::string::npos) continue;
+    ProcessRecord record;
+    if (ParseProcStat(ReadFile("/proc/" + name + "/stat"), record)) table.records.push_back(std::move(record));
+  }
+  std::sort(table.records.begin(), table.records.end(),
+            [](const ProcessRecord& a, const ProcessRecord& b) { return a.pid < b.pid; });
+  return table;
+}
+
+}  // namespace
+
+PropertyList ParsePropertyList(std::string document) {
+  PropertyList list = ParseDocument(std::move(document));
+  return list.kind == PropertyListKind::Array ? std::move(list) : PropertyList();
+}
+
+std::string FormatLocalTime(double seconds, DateForm form) {
+  const double sinceUnix = std::floor(seconds + kEpoch2001);
+  if (!(std::fabs(sinceUnix) < 1e15)) return std::string();
+  const auto moment = static_cast<std::time_t>(sinceUnix);
+  struct tm local;
+  if (!localtime_r(&moment, &local)) return std::string();
+  char text[64];
+  if (form == DateForm::Short) return std::string(text, std::strftime(text, sizeof text, "%Y-%m-%d", &local));
+  const long offset = std::labs(local.tm_gmtoff) / 60;
+  const std::size_t size = std::strftime(text, sizeof text, "%Y%m%d%H%M%S.000000 ", &local);
+  std::snprintf(text + size, sizeof text - size, "%c%02ld%02ld", local.tm_gmtoff < 0 ? '-' : '+', offset / 60,
+                offset % 60);
+  return text;
+}
+
+double CurrentTime() {
+  struct timespec now;
+  clock_gettime(CLOCK_REALTIME, &now);
+  return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9 - kEpoch2001;
+}
+
+std::string ComputerName() {
+  if (const char* recording = Recording()) {
+    std::string name = ReadFile(std::string(recording) + "/computer-name.txt");
+    if (!name.empty() && name.back() == '\n') name.pop_back();
+    return name;
+  }
+  char name[256] = "";
+  if (gethostname(name, sizeof name - 1) != 0) return std::string();
+  return name;
+}
+
+std::optional<ProcessTable> ReadProcessTable() {
+  if (const char* recording = Recording()) return RecordedProcesses(recording);
+  return MachineProcesses();
+}
+
+std::vector<Bundle> LoadBundles(const std::string& folder) {
+  const char* recording = Recording();
+  const std::string place = recording ? recording + folder : folder;
+  std::vector<Bundle> bundles;
+  for (const std::string& name : FolderEntries(place)) {
+    if (name[0] == '.' || !IsFolder(place + "/" + name)) continue;
+    Bundle bundle;
+    bundle.fileName = name;
+    bundle.path = folder + "/" + name;
+    PropertyList information = ParseDocument(ReadFile(place + "/" + name + "/Contents/Info.plist"));
+    if (information.kind == PropertyListKind::Dictionary && !information.items.empty())
+      bundle.information = std::move(information);
+    bundles.push_back(std::move(bundle));
+  }
+  return bundles;
+}

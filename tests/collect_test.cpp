@@ -1,0 +1,304 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <fstream>
+
+#include "main/collect/command_runner.h"
+#include "main/collect/host_identity.h"
+#include "main/collect/plist_reader.h"
+#include "main/collect/process_list.h"
+#include "main/collect/profiler.h"
+#include "main/console/console_log.h"
+#include "platform/platform.h"
+#include "tests/support.h"
+
+TEST(Commands, OutputOfEveryLengthIsReadWhole) {
+  for (const int size : {0, 1, 99, 100, 101, 200, 150000}) {
+    const std::string output = RunCommand("head -c " + std::to_string(size) + " /dev/zero", 100);
+    EXPECT_EQ(output, std::string(static_cast<std::size_t>(size), '\0'));
+  }
+  EXPECT_EQ(RunCommand("exit 3", 40), "");
+  EXPECT_EQ(RunCommand("no-such-tool-at-all 2>/dev/null", 40), "");
+  EXPECT_EQ(RunCommand("head -c 268435457 /dev/zero", 65536), "") << "more than 256 MiB count as nothing";
+}
+
+TEST(Commands, WholeFileEndsAtItsFirstZeroByte) {
+  Tools folder;
+  const std::string path = folder.Folder() + "/file";
+  std::ofstream(path, std::ios::binary) << std::string("ab\0c", 4);
+  std::size_t length = 0;
+  EXPECT_EQ(ReadWholeFile(path, length), "ab");
+  EXPECT_EQ(length, 4u);
+  EXPECT_EQ(ReadWholeFile(folder.Folder() + "/none", length), "");
+  EXPECT_EQ(length, 0u);
+  EXPECT_EQ(ReadWholeFile("/proc/self/status", length).size(), length);
+  EXPECT_GT(length, 0u);
+}
+
+TEST(Console, FormatsOfEveryLength) {
+  std::string text = "old";
+  FormatToString(text, "%s", "");
+  EXPECT_EQ(text, "");
+  FormatToString(text, "a%cb", 0);
+  EXPECT_EQ(text, "a");
+  FormatToString(text, "%5000d", 7);
+  EXPECT_EQ(text.size(), 5000u);
+  EXPECT_EQ(MeasureFormat("%d-%s", 12, "abc"), 6);
+}
+
+// A profiler that prints a document of `size` bytes, with a mark for each cut.
+TEST(Profiler, PiecesAtTheLimitsOfTheFrame) {
+  const struct {
+    int size;
+    std::size_t first, middle, last;
+  } cases[] = {{17, 0, 0, 0},    {18, 0, 0, 0},     {19, 1, 0, 0},     {171, 153, 0, 0}, {172, 154, 0, 0},
+               {173, 155, 0, 1}, {189, 171, 0, 17}, {190, 172, 0, 18}, {191, 173, 1, 19}};
+  Tools tools;
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.size);
+    tools.Add("system_profiler",
+              "[ \"$*\" = '-detailLevel full -xml T' ] && head -c " + std::to_string(c.size) + " /dev/zero");
+    EXPECT_EQ(RunProfilerType("T", ProfilerPosition::First).size(), c.first);
+    EXPECT_EQ(RunProfilerType("T", ProfilerPosition::Middle).size(), c.middle);
+    EXPECT_EQ(RunProfilerType("T", ProfilerPosition::Last).size(), c.last);
+  }
+}
+
+TEST(Profiler, EmptyOutputIsAskedForFiveTimesAndLeavesAFrame) {
+  Tools tools;
+  tools.Add("system_profiler", "echo \"$4\" >> " + tools.Folder() + "/runs");
+  EXPECT_EQ(ParsePropertyList(CollectProfilerData(false)).kind, PropertyListKind::Array);
+  EXPECT_EQ(RunCommand(
+                "sort " + tools.Folder() + "/runs | uniq -c | awk '$1 != 5'; wc -l < " + tools.Folder() + "/runs", 100),
+            "115\n");
+}
+
+TEST(RawTree, TakesEveryKindOfValueByItsLevel) {
+  const TagTree tree = RawTree(
+      "<string>stray</string><dict><key>_dataType</key><string>SPFontsDataType</string><key>a</key><string>b</string></"
+      "dict>"
+      "<dict><key>a</key><string>no type</string></dict>"
+      "<dict><key>_dataType</key><string>T/U</string><key>_detailLevel</key><integer>1</integer>"
+      "<key>_properties</key><dict><key>a</key><string>b</string></dict>"
+      "<key>big</key><integer>13</integer><key>small</key><integer>-1</integer>"
+      "<key>Anna's, \u2018Mail\u2019/x\u201C</key><string> a\nb </string><key>flag</key><true/>"
+      "<key>d</key><dict><key>big</key><integer>-13</integer><key>real</key><real>2.5</real><key>data</key><data>AA==</"
+      "data>"
+      "<key>old</key><date>1901-01-01T00:00:00Z</date><key>late</key><date>4001-02-03T04:05:06Z</date><key>empty</"
+      "key><array/><key>list</key><array><string>x</string><true/><array><integer>2</integer></array></array>"
+      "<key>top</key><integer>18446744073709551615</integer></dict></dict>");
+  EXPECT_EQ(TextOfTree(tree),
+            "+Macintosh=\n+T=\n+U=\nbig=13\nsmall=4294967295\nAnna_s___Mail__x\u201C=a\rb\n+d=\nbig=-13\nreal=2.50\n"
+            "old=19010101000000.000000+0\nlate=40010203040506.000000+0\ntop=-1\n+list=\nitem0=x\n*item2=\nitem0=2\n-\n-"
+            "\n-\n-\n-\n");
+  EXPECT_EQ(FindAttribute(*RootOf(tree).children[0]->children[0], "big")->value.kind, ValueKind::String);
+}
+
+TEST(RawTree, NamedListsCountWhatTheySkip) {
+  const std::string list =
+      "<dict><key>A/b</key><string>v</string><key>n</key><integer>20</integer><key>c</key><string/></dict>";
+  const TagTree tree = RawTree("<dict><key>_dataType</key><string>T</string><key>spfirewall_services</key>" + list +
+                               "<key>i</key><dict><key>spfirewall_services</key>" + list + "</dict></dict>");
+  EXPECT_EQ(TextOfTree(tree),
+            "+Macintosh=\n+T=\n*spfirewall_services=\nA_b=v\nn=20\nc=\n+i=\n+spfirewall_services=\n"
+            "*item0=\n_name=A/b\nvalue=v\n*item2=\n_name=c\nvalue=\n-\n-\n-\n-\n");
+}
+
+TEST(RawTree, NumbersOfEveryStorageType) {
+  const struct {
+    NumberType type;
+    std::int64_t number;
+    const char* text;
+  } cases[] = {
+      {NumberType::SInt8, -1, "255"},
+      {NumberType::SInt16, -1, "65535"},
+      {NumberType::SInt32, -1, "4294967295"},
+      {NumberType::SInt32, 5, "5"},
+      {NumberType::SInt64, -1, "-1"},
+      {NumberType::LongLong, -1, "-1"},
+      {NumberType::Char, -1, "-1"},
+      {NumberType::Short, -2, "-2"},
+      {NumberType::Int, -3, "-3"},
+      {NumberType::Long, INT64_MIN, "-9223372036854775808"},
+      {NumberType::CFIndex, 4, "4"},
+      {NumberType::NSInteger, -1, "-1"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(static_cast<int>(c.type));
+    PropertyList number, list;
+    number.kind = PropertyListKind::Number;
+    number.numberType = c.type;
+    number.integer = c.number;
+    list.items = {number};
+    TagTree tree = CreateTree(true, "R");
+    EntryPoint root(RootOf(tree));
+    EnterArray(list, root);
+    EXPECT_EQ(TextOfTree(tree), std::string("*R=\nitem0=") + c.text + "\n");
+  }
+}
+
+TEST(Dates, InLocalTimeWithMinutesOfOffset) {
+  if (QUILL_PLATFORM_MACOS) GTEST_SKIP() << "the zone is the machine's";
+  const struct {
+    const char* zone;
+    double seconds;
+    const char* full;
+    const char* shortForm;
+  } cases[] = {
+      {"UTC", 0, "20010101000000.000000+0", "2001-01-01"},
+      {"MSK-3", 437713462.9, "20141115060422.000000+180", "2014-11-15"},
+      {"EST5", 437713462, "20141114220422.000000-300", "2014-11-14"},
+      {"NPT-5:45", -1, "20010101054459.000000+345", "2001-01-01"},
+      {"XXX0:20", 0, "20001231234000.000000-20", "2000-12-31"},
+  };
+  for (const auto& c : cases) {
+    setenv("TZ", c.zone, 1);
+    tzset();
+    EXPECT_EQ(FormatDate(c.seconds, DateForm::Full), c.full) << c.zone;
+    EXPECT_EQ(FormatDate(c.seconds, DateForm::Short), c.shortForm) << c.zone;
+  }
+  unsetenv("TZ");
+  tzset();
+  EXPECT_EQ(FormatDate(1e300, DateForm::Full), "");
+}
+
+TEST(Escaping, LeavesALoneSpecialCharacterAtTheEnd) {
+  const char* cases[][2] = {{"", ""},          {"&", "&"},           {"ab>", "ab>"},
+                            {"a<b", "a&lt;b"}, {"<b>", "&lt;b&gt;"}, {"a'&'", "a&apos;&amp;&apos;"},
+                            {"plain", "plain"}};
+  for (const auto& c : cases) EXPECT_EQ(EscapeXmlText(c[0]), c[1]);
+}
+
+namespace {
+
+std::string Service(const char* interface, const char* address, const char* mac, const char* method) {
+  return Dict({"interface", interface, "ip_address", ("<array>" + std::string(address) + "</array>").c_str(),
+               "Ethernet", Dict({"MAC Address", mac}).c_str(), "IPv4", Dict({"ConfigMethod", method}).c_str()});
+}
+
+std::string Location(const char* active, const char* mac, const char* smb) {
+  return Dict({"spnetworklocation_isActive", active, "spnetworklocation_services",
+               ("<array>" + Dict({"hardware_address", mac, "SMB", smb}) + "</array>").c_str()});
+}
+
+}  // namespace
+
+TEST(Identity, OfTheServiceThatDecides) {
+  const std::string smb = Dict({"Workgroup", "Büro-a", "NetBIOSName", "office-Mac"});
+  const std::string services =
+      DataType("SPNetworkDataType", Service("fw0", "<string>1.1.1.1</string>", "00:aa", "DHCP") +
+                                        Service("en0", "<integer>7</integer>", "00:bb", "DHCP") +
+                                        Service("en1", "<string>2.2.2.2</string>", "00:cc", "Manual") +
+                                        Service("en2", "<string>3.3.3.3</string>", "", "DHCP"));
+  const auto locations = [&smb](const char* first, const char* second) {
+    return DataType("SPNetworkLocationDataType",
+                    Location(first, "00:cc", smb.c_str()) + Location(second, "00:aa", "<dict/>"));
+  };
+  const struct {
+    std::string list;
+    const char *given, *ip, *mac, *workgroup, *netBios;
+    bool manual;
+  } cases[] = {
+      {services + locations("yes", "no"), "", "2.2.2.2", "00-CC", "BüRO-A", "office-Mac", true},
+      {services + locations("no", "no"), "", "2.2.2.2", "", "", "", true},
+      {services + locations("no", "no"), "1.1.1.1", "1.1.1.1", "00-AA", "", "", false},
+      {services + locations("yes", "no"), "3.3.3.3", "3.3.3.3", "", "", "", false},
+      {services + locations("yes", "no"), "9.9.9.9", "9.9.9.9", "", "", "", false},
+      {services, "", "2.2.2.2", "", "", "", true},
+      {"", "", "", "", "", "", false},
+      {"<string>x</string>", "", "", "", "", "", false},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.given);
+    std::string ip = c.given;
+    const NetworkIdentity identity = LookupNetworkIdentity(ListOf(c.list), ip);
+    EXPECT_EQ(ip, c.ip);
+    EXPECT_EQ(identity.macAddress, c.mac);
+    EXPECT_EQ(identity.workgroup, c.workgroup);
+    EXPECT_EQ(identity.netBiosName, c.netBios);
+    EXPECT_EQ(identity.manual, c.manual);
+  }
+}
+
+TEST(Identity, MissingDataTypeFallsBackToTheLastElement) {
+  const std::string hardware = DataType("SPHardwareDataType", Dict({"serial_number", "S1"}));
+  const std::string other = DataType("SPPowerDataType", Dict({"serial_number", "S2"}));
+  EXPECT_EQ(ReadSerialNumber(ListOf(hardware + other)), "S1");
+  EXPECT_EQ(ReadSerialNumber(ListOf(other)), "S2");
+  EXPECT_EQ(ReadSerialNumber(ListOf(other + "<string/>")), "");
+  EXPECT_EQ(ReadSerialNumber(PropertyList()), "");
+}
+
+TEST(Summary, SystemVersionOfEveryLength) {
+  const char* names[][4] = {
+      {"", "", "", ""},
+      {"Mac OS X", "Mac OS X", "", ""},
+      {"Mac OS X ", "Mac OS X ", "", ""},
+      {"Mac OS X 10.6", "Mac OS X v10.6 (Snow Leopard)", "", "10.6"},
+      {"Mac OS X 10.8.", "Mac OS X 10.8.", "Update ", "10.8."},
+      {"Mac OS X 10.6.8 (10K549)", "Mac OS X v10.6 (Snow Leopard)", "Update 8", "10.6.8 (10K549)"},
+      {"OS X 10.11.6 (15G31)", "OS X 10.11.6 (15G31)", "Update 15G31)", "1.6 (15G31)"},
+  };
+  for (const auto& c : names) {
+    AssetSummary summary;
+    CollectAssetSummary(ListOf(DataType("SPSoftwareDataType", Dict({"os_version", c[0]}))), summary);
+    EXPECT_EQ(summary.osName, c[1]);
+    EXPECT_EQ(summary.osUpdate, c[2]) << c[0];
+    EXPECT_EQ(summary.osVersion, c[3]) << c[0];
+  }
+}
+
+TEST(Summary, NumbersAndFallbacks) {
+  const std::string volumes =
+      "<array>" + Dict({"size", "10 GB", "free_space", "2,5 GB"}) + Dict({"size", "1 MB"}) + "</array>";
+  const std::string disks = Dict({"_items", ("<array>" + Dict({"size", "1,9 GB", "volumes", volumes.c_str()}) +
+                                             Dict({"size", "1,9 GB"}) + Dict({"_name", "optical"}) + "</array>")
+                                                .c_str()});
+  const std::string displays =
+      "<array>" + Dict({"_name", "a", "_spdisplays_edid", "0x00", "spdisplays_resolution", "r1"}) +
+      Dict({"spdisplays_main", "spdisplays_yes", "spdisplays_resolution", "r2", "_spdisplays_edid",
+            ("0x" + std::string(42, '0') + "341D" + std::string(9, 'z')).c_str()}) +
+      "</array>";
+  AssetSummary summary;
+  Tools tools;
+  tools.Add("ioreg", "exit 1");
+  CollectAssetSummary(
+      ListOf(DataType("SPHardwareDataType",
+                      Dict({"packages", "<integer>2</integer>", "number_processors", "<integer>8</integer>", "cpu_type",
+                            "Intel Xeon", "current_processor_speed", "2.66 GHz", "physical_memory", "1,5 GB",
+                            "platform_UUID", "U", "machine_model", "iMac9,1"})) +
+             DataType("SPSoftwareDataType", Dict({"user_name", "Ann (Lee) (x)"})) +
+             DataType("SPDisplaysDataType", Dict({"spdisplays_vram", "256 MB", "spdisplays_ndrvs", displays.c_str()})) +
+             DataType("SPSerialATADataType", disks)),
+      summary);
+  const std::string* const fields[] = {&summary.packages,        &summary.logicalProcessors, &summary.processorSpeed,
+                                       &summary.processorMaker,  &summary.physicalMemory,    &summary.platformUuid,
+                                       &summary.userName,        &summary.videoMemory,       &summary.displayResolution,
+                                       &summary.displayDiagonal, &summary.diskCapacity,      &summary.volumeCapacity,
+                                       &summary.volumeFree};
+  const char* expected[] = {"2",  "16", "2000", "GenuineIntel", "1536", "U", "Lee", "256",
+                            "r2", "24", "4",    "10.0",         "2.5"};
+  for (std::size_t i = 0; i < std::size(expected); ++i) EXPECT_EQ(*fields[i], expected[i]) << i;
+
+  AssetSummary empty;
+  CollectAssetSummary(PropertyList(), empty);
+  EXPECT_EQ(empty.packages + empty.displayDiagonal + empty.systemMaker, "");
+  EXPECT_EQ(empty.diskCapacity + empty.volumeCapacity + empty.volumeFree, "00.00.0");
+}
+
+TEST(Processes, SkipTheKernelAndWhoeverIsGone) {
+  if (QUILL_PLATFORM_MACOS) GTEST_SKIP() << "the table is the kernel's";
+  Tools recording;
+  setenv("QUILL_RECORDING", recording.Folder().c_str(), 1);
+  std::ofstream(recording.Folder() + "/processes.txt")
+      << "9 1 Google Chrome He\n0 0 kernel_task\n\n8 1 gone\n7 1 wordless\n5 -1  led\n";
+  recording.Add("ps",
+                "case \"$*\" in '-p9 -o user= -o command=') echo 'ann   /App s/x -y ' ;; -p7*) echo x ;; -p5*) echo ' "
+                "b' ;; esac");
+  TagTree tree = CreateTree(true, "Macintosh");
+  CollectProcesses(tree);
+  unsetenv("QUILL_RECORDING");
+  EXPECT_EQ(TextOfTree(tree),
+            "+Macintosh=\n+Processes=\n*process:1=Google Chrome He\npid=9\nppid=1\nuser=ann\ncmd-line=/App s/x -y\n"
+            "*process:5=led\npid=5\nppid=-1\nuser=\ncmd-line=b\n-\n-\n");
+}

@@ -1,0 +1,36 @@
+// What several unit tests need: trees from a few lines of property list, trees as text, tools made of shell lines.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "platform/property_list.h"
+#include "zxml/tag.h"
+
+// The property list of an array that holds `elements`, XML without any frame.
+PropertyList ListOf(const std::string& elements);
+
+// <dict> of one data type whose "_items" hold `items`.
+std::string DataType(const std::string& name, const std::string& items);
+
+// "key", "text" and so on as a <dict> of texts; a text that begins with "<" is taken as XML.
+std::string Dict(std::initializer_list<const char*> keysAndTexts);
+
+// The raw tree of those data types.
+TagTree RawTree(const std::string& dataTypes);
+
+// zXML text without its first line; for a builder, of what it adds to an empty inventory.
+std::string TextOfTree(const TagTree& tree);
+std::string SectionText(void (*build)(TagTree&, const TagTree&), const std::string& dataTypes);
+
+// A folder at the front of PATH while it lives, with tools made of shell lines.
+class Tools {
+ public:
+  Tools();
+  ~Tools();
+  void Add(const std::string& name, const std::string& script);
+  const std::string& Folder() const { return folder_; }
+
+ private:
+  std::string folder_, path_;
+};

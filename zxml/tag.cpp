@@ -1,0 +1,251 @@
+// The operations of the tag tree. Every look-up is a scan in the order of insertion; long lists of children are scanned
+// over the packed marks of their names, which say at once which children cannot be meant.
+#include "zxml/tag.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+namespace {
+
+// The length and the last sixteen bytes of a name, folded into one word: equal names have equal marks.
+std::uint32_t NameMark(std::string_view name) {
+  std::uint32_t mark = static_cast<std::uint32_t>(name.size());
+  const std::size_t tail = std::min<std::size_t>(name.size(), 16);
+  for (std::size_t i = name.size() - tail; i < name.size(); ++i)
+    mark = ((mark << 5) | (mark >> 27)) ^ static_cast<unsigned char>(name[i]);
+  return mark;
+}
+
+constexpr std::size_t kMarkBlock = 32;
+
+// The first index from `from` on whose mark is `mark`, or the count. A block at a time, so that the compiler can
+// compare several marks with one instruction.
+std::size_t NextMark(const std::vector<std::uint32_t>& marks, std::size_t from, std::uint32_t mark) {
+  const std::uint32_t* data = marks.data();
+  std::size_t i = from;
+  for (; i + kMarkBlock <= marks.size(); i += kMarkBlock) {
+    std::uint32_t hits = 0;
+    for (std::size_t k = 0; k < kMarkBlock; ++k) hits |= data[i + k] == mark ? 1u : 0u;
+    if (hits) break;
+  }
+  while (i < marks.size() && data[i] != mark) ++i;
+  return i;
+}
+
+void AssignValue(Value& target, Value source) {
+  if (source.kind != ValueKind::None) target = std::move(source);
+}
+
+const Value* ValueOf(const Tag* tag) { return tag && tag->value ? &*tag->value : nullptr; }
+
+// Line breaks become CR; the text ends after the CR of its first CR LF.
+void NormaliseLineBreaks(std::string& text) {
+  std::size_t i = text.find_first_of("\n\r");
+  for (; i != std::string::npos; i = text.find_first_of("\n\r", i + 1)) {
+    if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') {
+      text.resize(i + 1);  // deliberate: everything after the first CR LF is dropped
+      return;
+    }
+    text[i] = '\r';
+  }
+}
+
+void TrimBlanks(std::string& text) {
+  text.erase(0, text.find_first_not_of(' '));
+  if (text.size() >= 2) text.erase(text.find_last_not_of(' ') + 1);
+}
+
+void OverwriteProperty(std::vector<Property>& list, const char* name, const char* text) {
+  for (Property& property : list) {
+    if (property.name != name) continue;
+    property.text = text;
+    return;
+  }
+  list.push_back({name, text});
+}
+
+Attribute* AppendAttribute(Tag& tag, std::string_view name, Value value, const char* propName, const char* propText) {
+  auto attribute = std::make_unique<Attribute>();
+  attribute->name = name;
+  attribute->value = std::move(value);
+  if (propName) attribute->properties.push_back({propName, propText ? propText : ""});
+  tag.attributes.push_back(std::move(attribute));
+  return tag.attributes.back().get();
+}
+
+}  // namespace
+
+Value MakeTextValue(const char* text) { return MakeTextValue(std::string(text ? text : "")); }
+
+Value MakeTextValue(std::string text) {
+  if (const std::size_t zero = text.find('\0'); zero != std::string::npos) text.resize(zero);
+  NormaliseLineBreaks(text);
+  TrimBlanks(text);
+  Value value;
+  value.kind = ValueKind::String;
+  value.text = std::move(text);
+  return value;
+}
+
+Value MakeIntValue(std::int64_t number) {
+  Value value;
+  value.kind = ValueKind::Int;
+  value.integer = number;
+  return value;
+}
+
+Value MakeDoubleValue(double number) {
+  Value value;
+  value.kind = ValueKind::Double;
+  value.real = number;
+  return value;
+}
+
+Value MakeBoolValue(bool flag) {
+  Value value;
+  value.kind = ValueKind::Bool;
+  value.boolean = flag;
+  return value;
+}
+
+Value CopyValue(const Value& value) { return value; }
+
+void ClearValue(Value& value) { value = Value(); }
+
+const std::string& TextOf(const Value* value) {
+  static const std::string empty;
+  return value && value->kind == ValueKind::String ? value->text : empty;
+}
+
+const std::string& TextOf(const Attribute* attribute) { return TextOf(attribute ? &attribute->value : nullptr); }
+
+const std::string& TextOf(const Tag* tag) { return TextOf(ValueOf(tag)); }
+
+Tag* FindChild(const Tag& tag, std::string_view name) {
+  if (tag.children.empty()) return nullptr;
+  const std::uint32_t mark = NameMark(name);
+  for (std::size_t i = NextMark(tag.childMarks, 0, mark); i < tag.children.size();
+       i = NextMark(tag.childMarks, i + 1, mark))
+    if (tag.children[i]->name == name) return tag.children[i].get();
+  return nullptr;
+}
+
+Attribute* FindAttribute(const Tag& tag, std::string_view name) {
+  for (const auto& attribute : tag.attributes)
+    if (attribute->name == name) return attribute.get();
+  return nullptr;
+}
+
+Tag* ChildAt(const Tag& tag, std::size_t index) {
+  return index < tag.children.size() ? tag.children[index].get() : nullptr;
+}
+
+Attribute* AttributeAt(const Tag& tag, std::size_t index) {
+  return index < tag.attributes.size() ? tag.attributes[index].get() : nullptr;
+}
+
+Tag* AppendChild(Tag& tag, std::unique_ptr<Tag> child) {
+  if (tag.kind == TagKind::Leaf) tag.kind = TagKind::Parent;
+  tag.childMarks.push_back(NameMark(child->name));
+  tag.children.push_back(std::move(child));
+  return tag.children.back().get();
+}
+
+void SwapChildren(Tag& tag, std::size_t first, std::size_t second) {
+  std::swap(tag.children[first], tag.children[second]);
+  std::swap(tag.childMarks[first], tag.childMarks[second]);
+}
+
+Tag* GetOrAddChild(Tag& tag, std::string_view name) {
+  if (Tag* child = FindChild(tag, name)) return child;
+  auto child = std::make_unique<Tag>();
+  child->name = name;
+  return AppendChild(tag, std::move(child));
+}
+
+Tag* SetChildValue(Tag& tag, std::string_view name, Value value) {
+  Tag* child = GetOrAddChild(tag, name);
+  SetTagValue(*child, std::move(value));
+  return child;
+}
+
+void SetTagValue(Tag& tag, Value value) { tag.value = std::move(value); }
+
+Attribute* SetAttribute(Tag& tag, std::string_view name, Value value, const char* propName, const char* propText) {
+  Attribute* attribute = FindAttribute(tag, name);
+  if (!attribute) return AppendAttribute(tag, name, std::move(value), propName, propText);
+  AssignValue(attribute->value, std::move(value));
+  return attribute;
+}
+
+void AddTagProperty(Tag& tag, std::string name, std::string text) {
+  tag.properties.push_back({std::move(name), std::move(text)});
+}
+
+void AddAttributeProperty(Attribute& attribute, std::string name, std::string text) {
+  attribute.properties.push_back({std::move(name), std::move(text)});
+}
+
+const Property* FindProperty(const std::vector<Property>& list, std::string_view name) {
+  for (const Property& property : list)
+    if (property.name == name) return &property;
+  return nullptr;
+}
+
+int NextFreeNumber(const Tag& tag, std::string_view base) {
+  int n = 1;
+  while (FindChild(tag, std::string(base) + std::to_string(n))) ++n;
+  return n;
+}
+
+void CopyTag(Tag& target, const Tag& source) {
+  Tag copy;
+  copy.kind = source.kind;
+  copy.name = source.name;
+  copy.value = source.value;
+  copy.properties = source.properties;
+  copy.childMarks = source.childMarks;
+  for (const auto& attribute : source.attributes) copy.attributes.push_back(std::make_unique<Attribute>(*attribute));
+  for (const auto& child : source.children) {
+    copy.children.push_back(std::make_unique<Tag>());
+    CopyTag(*copy.children.back(), *child);
+  }
+  target = std::move(copy);
+}
+
+TagTree CreateTree(bool saveFlag, std::string_view rootName) {
+  TagTree tree;
+  tree.saveFlag = saveFlag;
+  tree.container.kind = TagKind::Container;
+  GetOrAddChild(tree.container, rootName);
+  return tree;
+}
+
+void DestroyTree(TagTree& tree) { tree = TagTree(); }
+
+Tag& RootOf(TagTree& tree) { return *tree.container.children.front(); }
+
+const Tag& RootOf(const TagTree& tree) { return *tree.container.children.front(); }
+
+Attribute* SetPathAttribute(Tag& tag, std::string_view name, Value value, const char* propName, const char* propText) {
+  Attribute* attribute = FindAttribute(tag, name);
+  if (!attribute) return AppendAttribute(tag, name, std::move(value), propName, propText);
+  AssignValue(attribute->value, std::move(value));
+  if (propName && propText) OverwriteProperty(attribute->properties, propName, propText);
+  return attribute;
+}
+
+Attribute* SetAttributeByPath(TagTree& tree, std::string_view path, Value value, const char* propName,
+                              const char* propText) {
+  Tag* tag = &tree.container;
+  if (!path.empty() && path.front() == '/') {
+    tag = &RootOf(tree);
+    path.remove_prefix(1);
+  }
+  for (std::size_t slash = path.find('/'); slash != std::string_view::npos; slash = path.find('/')) {
+    tag = GetOrAddChild(*tag, path.substr(0, slash));
+    path.remove_prefix(slash + 1);
+  }
+  return SetPathAttribute(*tag, path, std::move(value), propName, propText);
+}
