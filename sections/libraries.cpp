@@ -1,0 +1,39 @@
+// "Libraries": the Internet plug-ins, each described by its bundle's information dictionary.
+#include "main/collect/plist_reader.h"
+#include "platform/platform.h"
+#include "sections/items.h"
+#include "sections/sections.h"
+#include "sections/software_sort.h"
+#include "zxml/value_text.h"
+
+namespace {
+
+void WriteBundle(TagTree& inventoryTree, const Bundle& bundle, const char* group) {
+  TagTree information = CreateTree(false, "Version");
+  EntryPoint root(RootOf(information));
+  EnterDictionary(bundle.information, root);
+  const Tag& keys = RootOf(information);
+
+  const std::string& version = TextOfKey(keys, "CFBundleShortVersionString");
+  const std::string baseName = bundle.fileName.substr(0, bundle.fileName.find('.'));
+  const std::string tagName = SafeTagName(Trimmed("library:" + baseName + " " + version, " \n\r"));
+  Tag* libraries = GetOrAddChild(RootOf(inventoryTree), "Libraries");
+  Tag* tag = SetChildValue(*libraries, tagName, MakeTextValue(baseName));
+  SetAttribute(*tag, "path", MakeTextValue(bundle.path));
+  if (!version.empty()) SetAttribute(*tag, "version", MakeTextValue(version));
+  const bool described = HasKey(keys, "CFBundleGetInfoString");
+  CopyKey(keys, *tag, {described ? "CFBundleGetInfoString" : "WebPluginDescription", "descr"});
+  SetAttribute(*tag, "group", MakeTextValue(group));
+}
+
+void WriteFolder(TagTree& inventoryTree, const char* folder, const char* group) {
+  for (const Bundle& bundle : LoadBundles(folder))
+    if (bundle.information.kind == PropertyListKind::Dictionary) WriteBundle(inventoryTree, bundle, group);
+}
+
+}  // namespace
+
+void BuildLibrariesSection(TagTree& inventoryTree) {
+  WriteFolder(inventoryTree, "/Library/Internet Plug-Ins", "InternetPlug-Ins");
+  SortSoftware(inventoryTree, "Libraries");
+}

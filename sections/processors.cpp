@@ -1,0 +1,83 @@
+// "Processors": one child for each processor package, all of them described by the same hardware data.
+#include "sections/items.h"
+#include "sections/sections.h"
+#include "zxml/value_text.h"
+
+namespace {
+
+constexpr std::int64_t kMaxPackages = 4096;
+
+// The value of an integer key, `missing` when there is none; another kind of value is 0.
+std::int64_t IntOfKey(const Tag& item, const char* key, std::int64_t missing) {
+  const Attribute* attribute = FindAttribute(item, key);
+  if (!attribute) return missing;
+  return attribute->value.kind == ValueKind::Int ? attribute->value.integer : 0;
+}
+
+std::int64_t CoreCount(const Tag& hardware) {
+  return IntOfKey(hardware, "number_processors", IntOfKey(hardware, "number_cpus", 1));
+}
+
+enum class CacheShare { Whole, PerPackage, CoresPerPackage };
+
+struct CacheKey {
+  const char* key;
+  const char* attribute;
+  CacheShare share;
+};
+
+// In this order: the last key that is present decides.
+constexpr CacheKey kCacheKeys[] = {
+    {"l2_cache", "l2-cache-size", CacheShare::PerPackage},
+    {"l2_cache_core", "l2-cache-size", CacheShare::CoresPerPackage},
+    {"l2_cache_size", "l2-cache-size", CacheShare::CoresPerPackage},
+    {"l2_cache_share", "l2-cache-size", CacheShare::Whole},
+    {"l3_cache", "l3-cache-size", CacheShare::PerPackage},
+    {"l3_cache_core", "l3-cache-size", CacheShare::CoresPerPackage},
+    {"l3_cache_size", "l3-cache-size", CacheShare::CoresPerPackage},
+};
+
+std::int64_t CacheKilobytes(double kilobytes, CacheShare share, std::int64_t cores, std::int64_t packages) {
+  switch (share) {
+    case CacheShare::Whole:
+      break;
+    case CacheShare::PerPackage:
+      return TruncateToInt64(kilobytes) / packages;
+    case CacheShare::CoresPerPackage:
+      return TruncateToInt64(static_cast<double>(cores) * kilobytes / static_cast<double>(packages));
+  }
+  return TruncateToInt64(kilobytes);
+}
+
+// deliberate: single precision, so that 2.3 GHz gives the single-precision product
+std::int64_t Megahertz(const std::string& speed) {
+  return TruncateToInt64(static_cast<float>(NumberAtStart(FirstWord(speed))) * 1000.0f);
+}
+
+void WriteProcessor(TagTree& inventoryTree, const Tag& hardware, std::int64_t number, std::int64_t packages) {
+  const std::string n = std::to_string(number);
+  Tag* processors = GetOrAddChild(RootOf(inventoryTree), "Processors");
+  Tag* processor =
+      SetChildValue(*processors, "Processor:" + n,
+                    HasKey(hardware, "cpu_type") ? CopyOfKey(hardware, "cpu_type") : MakeTextValue("CPU #" + n));
+  const std::int64_t cores = CoreCount(hardware);
+  SetAttribute(*processor, "core-count", MakeIntValue(cores));
+  for (const CacheKey& cache : kCacheKeys) {
+    if (!HasKey(hardware, cache.key)) continue;
+    const double kilobytes = ParseSizeKB(TextOfKey(hardware, cache.key));
+    SetAttribute(*processor, cache.attribute, MakeIntValue(CacheKilobytes(kilobytes, cache.share, cores, packages)));
+  }
+  SetAttribute(*processor, "current-clock-speed",
+               MakeIntValue(Megahertz(TextOfKey(hardware, "current_processor_speed"))));
+}
+
+}  // namespace
+
+void BuildProcessorsSection(TagTree& inventoryTree, const TagTree& rawTree) {
+  const Tag* items = FindItems(rawTree, "SPHardwareDataType");
+  if (!items) return;
+  const Tag& hardware = *items->children.front();
+  const std::int64_t packages = IntOfKey(hardware, "packages", 1);
+  if (packages > kMaxPackages) return;
+  for (std::int64_t n = 1; n <= packages; ++n) WriteProcessor(inventoryTree, hardware, n, packages);
+}

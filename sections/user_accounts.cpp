@@ -1,0 +1,100 @@
+// "User-accounts": the folders below /Users that the directory service knows as users.
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <string_view>
+
+#include "main/collect/command_runner.h"
+#include "sections/items.h"
+#include "sections/sections.h"
+#include "zxml/value_text.h"
+
+namespace {
+
+constexpr std::size_t kChunk = 100;
+constexpr char kListCommand[] = "ls -1 /Users/";
+constexpr int kListRunsElsewhere = 5;  // where there is no /Users, on a machine that is not a Mac
+
+bool HasUsersFolder() {
+  struct stat status;
+  return stat("/Users", &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+// Asks until there is an answer: on a Mac without limit.
+std::string ListUsers() {
+  const bool persistent = HasUsersFolder();
+  std::string listing;
+  int runsLeft = kListRunsElsewhere;
+  do {
+    listing = RunCommand(kListCommand, kChunk);
+  } while (listing.empty() && (persistent || --runsLeft > 0));
+  return listing;
+}
+
+// A folder may be called anything; between double quotes the shell would act on these characters.
+std::string EscapeForDoubleQuotes(std::string_view name) {
+  std::string escaped;
+  for (const char c : name) {
+    if (c == '\\' || c == '"' || c == '$' || c == '`') escaped += '\\';
+    escaped += c;
+  }
+  return escaped;
+}
+
+std::string ReadRecord(std::string_view name) {
+  return RunCommand("dscl . -read \"/users/" + EscapeForDoubleQuotes(name) + "\"", kChunk);
+}
+
+// Sets `value` to what stands between `key` and the next `end`, trimmed; false when the key is missing. An end that is
+// missing or lies before the start counts as the record's end.
+bool FieldOf(std::string_view record, std::string_view key, std::string_view end, std::string& value) {
+  const std::size_t found = record.find(key);
+  if (found == std::string_view::npos) return false;
+  const std::size_t start = found + key.size();
+  std::size_t stop = end == "\n" ? record.find(end, start) : record.find(end);
+  if (stop == std::string_view::npos || stop < start) stop = record.size();
+  value = Trimmed(record.substr(start, stop - start), "\n\t ");
+  return true;
+}
+
+struct RecordField {
+  const char* key;
+  const char* end;
+  const char* attribute;
+};
+
+constexpr RecordField kFields[] = {
+    {"RealName:", "RecordName:", "fullname"},
+    {"PrimaryGroupID:", "\n", "group"},
+    {"UniqueID:", "\n", "id"},
+    {"UserShell:", "\n", "shell"},
+};
+
+void WriteAccount(Tag& accounts, std::string_view record, std::string_view folder) {
+  std::string value;
+  if (!FieldOf(record, "RecordName:", "RecordType:", value)) return;
+  Tag* account = SetChildValue(accounts, SafeTagName("usr-acc:" + value), MakeTextValue(value));
+  for (const RecordField& field : kFields)
+    if (FieldOf(record, field.key, field.end, value)) SetAttribute(*account, field.attribute, MakeTextValue(value));
+  SetAttribute(*account, "hdir", MakeTextValue("/users/" + std::string(folder)));
+  SetAttribute(*account, "is-system-user", FlagValue(false));
+}
+
+void WriteFolder(TagTree& inventoryTree, std::string_view folder) {
+  const std::string output = ReadRecord(folder);
+  Tag* accounts = GetOrAddChild(RootOf(inventoryTree), "User-accounts");
+  // A record without a home folder is no user's; the fields are looked for behind that line.
+  const std::size_t home = output.find("\nNFSHomeDirectory:");
+  if (home != std::string::npos) WriteAccount(*accounts, std::string_view(output).substr(home), folder);
+}
+
+}  // namespace
+
+void BuildUserAccountsSection(TagTree& inventoryTree) {
+  const std::string listing = ListUsers();
+  std::size_t start = 0;
+  for (std::size_t end = listing.find('\n'); end != std::string::npos; end = listing.find('\n', start)) {
+    WriteFolder(inventoryTree, std::string_view(listing).substr(start, end - start));
+    start = end + 1;
+  }
+}
