@@ -7,15 +7,10 @@ namespace {
 
 constexpr std::int64_t kMaxPackages = 4096;
 
-// The value of an integer key, `missing` when there is none; another kind of value is 0.
-std::int64_t IntOfKey(const Tag& item, const char* key, std::int64_t missing) {
-  const Attribute* attribute = FindAttribute(item, key);
-  if (!attribute) return missing;
-  return attribute->value.kind == ValueKind::Int ? attribute->value.integer : 0;
-}
-
 std::int64_t CoreCount(const Tag& hardware) {
-  return IntOfKey(hardware, "number_processors", IntOfKey(hardware, "number_cpus", 1));
+  for (const char* key : {"number_processors", "number_cpus"})
+    if (HasKey(hardware, key)) return IntegerOfKey(hardware, key);
+  return 1;
 }
 
 enum class CacheShare { Whole, PerPackage, CoresPerPackage };
@@ -77,7 +72,7 @@ void BuildProcessorsSection(TagTree& inventoryTree, const TagTree& rawTree) {
   const Tag* items = FindItems(rawTree, "SPHardwareDataType");
   if (!items) return;
   const Tag& hardware = *items->children.front();
-  const std::int64_t packages = IntOfKey(hardware, "packages", 1);
+  const std::int64_t packages = HasKey(hardware, "packages") ? IntegerOfKey(hardware, "packages") : 1;
   if (packages > kMaxPackages) return;
   for (std::int64_t n = 1; n <= packages; ++n) WriteProcessor(inventoryTree, hardware, n, packages);
 }
