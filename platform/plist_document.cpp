@@ -1,4 +1,5 @@
-// Property-list documents parsed by libplist and turned into plain values.
+// Property-list documents as plain values: plain XML is read directly, everything else parsed by libplist, whose word
+// counts in every doubtful case.
 #include "platform/plist_document.h"
 
 #include <plist/plist.h>
@@ -9,6 +10,7 @@
 #include <memory>
 
 #include "platform/plist_limits.h"
+#include "platform/plist_xml.h"
 
 namespace {
 
@@ -71,21 +73,20 @@ std::string BinaryForm(plist_t node) {
 }
 
 // 2^64-1 has the bits of -1, but takes sixteen bytes in binary.
-bool IsMinusOne(plist_t node, std::uint64_t bits) {
+bool IsLargest(plist_t node, std::uint64_t bits) {
   constexpr char kSixteenBytes = 0x14;
   if (bits != UINT64_MAX) return false;
   const std::string form = BinaryForm(node);
-  return form.size() > 8 && form[8] != kSixteenBytes;
+  return form.size() > 8 && form[8] == kSixteenBytes;
 }
 
-// -1 and 0 to 12 are numbers that CoreFoundation keeps ready as SInt32; every other whole number is an SInt64.
 PropertyList ConvertInteger(plist_t node) {
   PropertyList number;
   number.kind = PropertyListKind::Number;
   std::uint64_t bits = 0;
   plist_get_uint_val(node, &bits);
   number.integer = static_cast<std::int64_t>(bits);
-  const bool kept = bits <= 12 || IsMinusOne(node, bits);
+  const bool kept = KeptWholeNumber(number.integer) && !IsLargest(node, bits);
   number.numberType = kept ? NumberType::SInt32 : NumberType::SInt64;
   return number;
 }
@@ -163,11 +164,7 @@ PropertyList Convert(plist_t node) {
   }
 }
 
-}  // namespace
-
-PropertyList ParseDocument(std::string document) {
-  if (document.empty() || document.size() > UINT32_MAX) return PropertyList();
-  const bool binary = IsBinaryPropertyList(document);
+PropertyList ParseByLibplist(const std::string& document, bool binary) {
   if (!(binary ? BinaryNestingIsSafe(document) : XmlNestingIsSafe(document))) return PropertyList();
   plist_t root = nullptr;
   const auto size = static_cast<std::uint32_t>(document.size());
@@ -176,6 +173,15 @@ PropertyList ParseDocument(std::string document) {
   else
     plist_from_xml(document.data(), size, &root);
   const OwnedNode owner(root);
-  document = std::string();
   return root ? Convert(root) : PropertyList();
+}
+
+}  // namespace
+
+PropertyList ParseDocument(std::string document) {
+  if (document.empty() || document.size() > UINT32_MAX) return PropertyList();
+  const bool binary = IsBinaryPropertyList(document);
+  if (!binary)
+    if (std::optional<PropertyList> list = ReadPlainXml(document)) return std::move(*list);
+  return ParseByLibplist(document, binary);
 }

@@ -8,25 +8,25 @@
 
 namespace {
 
-// The length and the last sixteen bytes of a name, folded into one word: equal names have equal marks.
-std::uint32_t NameMark(std::string_view name) {
-  std::uint32_t mark = static_cast<std::uint32_t>(name.size());
+// The length and the last sixteen bytes of a name, folded into two bytes: equal names have equal marks.
+std::uint16_t NameMark(std::string_view name) {
+  auto mark = static_cast<std::uint32_t>(name.size());
   const std::size_t tail = std::min<std::size_t>(name.size(), 16);
   for (std::size_t i = name.size() - tail; i < name.size(); ++i)
     mark = ((mark << 5) | (mark >> 27)) ^ static_cast<unsigned char>(name[i]);
-  return mark;
+  return static_cast<std::uint16_t>(mark ^ (mark >> 16));
 }
 
-constexpr std::size_t kMarkBlock = 32;
+constexpr std::size_t kMarkBlock = 64;
 
-// The first index from `from` on whose mark is `mark`, or the count. A block at a time, so that the compiler can
-// compare several marks with one instruction.
-std::size_t NextMark(const std::vector<std::uint32_t>& marks, std::size_t from, std::uint32_t mark) {
-  const std::uint32_t* data = marks.data();
+// The first index from `from` on whose mark is `mark`, or the count. A block at a time, so that the compiler can compare
+// several marks with one instruction.
+std::size_t NextMark(const std::vector<std::uint16_t>& marks, std::size_t from, std::uint16_t mark) {
+  const std::uint16_t* data = marks.data();
   std::size_t i = from;
   for (; i + kMarkBlock <= marks.size(); i += kMarkBlock) {
-    std::uint32_t hits = 0;
-    for (std::size_t k = 0; k < kMarkBlock; ++k) hits |= data[i + k] == mark ? 1u : 0u;
+    std::uint16_t hits = 0;
+    for (std::size_t k = 0; k < kMarkBlock; ++k) hits = static_cast<std::uint16_t>(hits | (data[i + k] == mark));
     if (hits) break;
   }
   while (i < marks.size() && data[i] != mark) ++i;
@@ -39,21 +39,24 @@ void AssignValue(Value& target, Value source) {
 
 const Value* ValueOf(const Tag* tag) { return tag && tag->value ? &*tag->value : nullptr; }
 
-// Line breaks become CR; the text ends after the CR of its first CR LF.
+bool BreaksLine(char c) { return c == '\n' || c == '\r' || c == '\0'; }
+
+// The text ends at its first zero byte and after the CR of its first CR LF; every other line break becomes CR.
 void NormaliseLineBreaks(std::string& text) {
-  std::size_t i = text.find_first_of("\n\r");
-  for (; i != std::string::npos; i = text.find_first_of("\n\r", i + 1)) {
-    if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') {
-      text.resize(i + 1);  // deliberate: everything after the first CR LF is dropped
+  for (auto at = std::find_if(text.begin(), text.end(), BreaksLine); at != text.end();
+       at = std::find_if(at + 1, text.end(), BreaksLine)) {
+    const bool pair = *at == '\r' && at + 1 != text.end() && at[1] == '\n';
+    if (*at == '\0' || pair) {
+      text.erase(pair ? at + 1 : at, text.end());  // deliberate: all that follows the first CR LF is dropped
       return;
     }
-    text[i] = '\r';
+    *at = '\r';
   }
 }
 
 void TrimBlanks(std::string& text) {
-  text.erase(0, text.find_first_not_of(' '));
-  if (text.size() >= 2) text.erase(text.find_last_not_of(' ') + 1);
+  if (!text.empty() && text.front() == ' ') text.erase(0, text.find_first_not_of(' '));
+  while (text.size() >= 2 && text.back() == ' ') text.pop_back();
 }
 
 void OverwriteProperty(std::vector<Property>& list, const char* name, const char* text) {
@@ -79,7 +82,6 @@ Attribute* AppendAttribute(Tag& tag, std::string_view name, Value value, const c
 Value MakeTextValue(const char* text) { return MakeTextValue(std::string(text ? text : "")); }
 
 Value MakeTextValue(std::string text) {
-  if (const std::size_t zero = text.find('\0'); zero != std::string::npos) text.resize(zero);
   NormaliseLineBreaks(text);
   TrimBlanks(text);
   Value value;
@@ -124,7 +126,7 @@ const std::string& TextOf(const Tag* tag) { return TextOf(ValueOf(tag)); }
 
 Tag* FindChild(const Tag& tag, std::string_view name) {
   if (tag.children.empty()) return nullptr;
-  const std::uint32_t mark = NameMark(name);
+  const std::uint16_t mark = NameMark(name);
   for (std::size_t i = NextMark(tag.childMarks, 0, mark); i < tag.children.size();
        i = NextMark(tag.childMarks, i + 1, mark))
     if (tag.children[i]->name == name) return tag.children[i].get();

@@ -43,7 +43,7 @@ struct Tag {
   std::vector<Property> properties;
   std::vector<std::unique_ptr<Attribute>> attributes;
   std::vector<std::unique_ptr<Tag>> children;  // changed only by AppendChild and SwapChildren
-  std::vector<std::uint32_t> childMarks;       // one for each child, from its name: see FindChild
+  std::vector<std::uint16_t> childMarks;       // one for each child, from its name: see FindChild
 };
 
 // One piece of a tree saved in split form: where it lies, how long it is, whose it is.
