@@ -1,0 +1,18 @@
+// Where a scan's result goes, and how that is reported.
+#pragma once
+
+#include <string>
+
+#include "zxml/INVfile.h"
+
+struct ResultPath {
+  std::string directory;  // the working directory
+  std::string name;       // the file's name alone
+  std::string full;       // both
+};
+
+// The first free name for a computer's result in the working directory: NAME_MAC.inv, NAME_MAC(1).inv, ...
+ResultPath ChooseResultPath(const std::string& computerName, const std::string& macAddress);
+
+// Saves the container there and says so, or that it could not be done.
+void SaveResult(InvFile& inv, const ResultPath& path, bool silent);
