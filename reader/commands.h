@@ -1,0 +1,32 @@
+// The commands of quillinv that work on whole files: what each gives for one file that was read. csv has a header of
+// its own.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "reader/document.h"
+#include "reader/show.h"
+
+// list: the index as a table.
+std::string ListText(const Document& document);
+
+// json: one document, on one line or indented; ends with a line feed. docs/json.md describes its shape, which stays as
+// it is. Bytes that are not UTF-8 become U+FFFD.
+std::string DocumentJson(const Document& document, bool oneLine);
+
+// diff: one line for each difference, empty when there is none: "+ path: value" appeared, "- path: value" vanished,
+// "! path: old -> new" changed. Numbered siblings ("partition:1") are taken for the same when their values agree,
+// whatever their numbers. What changes from scan to scan by itself is left out unless `all`.
+std::string DiffText(const Document& before, const Document& after, bool all);
+
+// extract: the section that is taken when none is asked for, the raw data if there is some, otherwise the first.
+std::size_t DefaultSection(const Document& document);
+// The text of a section. No text, and plain words in `trouble`, when there is no such section or it is not whole.
+std::optional<std::string> ExtractText(const Document& document, std::size_t section, std::string& trouble);
+// Writes `text` into the file at `path`, "" or "-" for standard output. False, and plain words, when that fails; an INV
+// file is never written over.
+bool WriteExtract(const std::string& text, const std::string& path, std::string& trouble);
+
+// check: the faults that reading found, and what container and trees say against each other. Empty for a sound file.
+Faults CheckDocument(const Document& document);

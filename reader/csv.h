@@ -1,0 +1,29 @@
+// quillinv csv: one row for each computer.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "reader/document.h"
+
+struct Column {
+  std::string name;  // as the header row shows it
+  std::string path;  // root and attribute, as in "AssetInfo/control/os-name"; empty for the file's own path
+};
+
+// The columns of a row when none are chosen.
+const std::vector<Column>& DefaultColumns();
+// The names of all columns that have one, in a few lines.
+std::string ColumnNames();
+
+// The columns of a list such as "file,hostname,Snapshot/OS/os:1/kernel"; what holds a "/" is the path of an attribute.
+// No columns, and the odd one in `unknown`, when a name without "/" is none of ColumnNames.
+std::vector<Column> ParseColumns(std::string_view list, std::string& unknown);
+
+// What the file holds for that column, as it stands there; empty when it holds nothing.
+std::string ColumnText(const Document& document, const Column& column);
+
+// One row by RFC 4180, in UTF-8, with its CR LF.
+std::string CsvHeader(const std::vector<Column>& columns);
+std::string CsvRow(const Document& document, const std::vector<Column>& columns);

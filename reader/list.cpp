@@ -1,0 +1,59 @@
+// Turns the records of the index, and what could be read of the bodies, into aligned lines.
+#include <algorithm>
+#include <array>
+#include <vector>
+
+#include "reader/commands.h"
+#include "reader/text.h"
+
+namespace {
+
+using Row = std::array<std::string, 6>;
+
+std::size_t CountTags(const Tag& tag) {
+  std::size_t count = 1;
+  for (const auto& child : tag.children) count += CountTags(*child);
+  return count;
+}
+
+std::string Holds(const Section& section) {
+  if (!section.record.inside) return "not in the file";
+  const std::string size = FormName(section.body.form) + ", " + Bytes(section.body.text.size());
+  const Tag* root = RootTag(section);
+  const std::string damage = section.body.whole ? "" : ", damaged";
+  if (!root) return size + damage;
+  const std::size_t tags = CountTags(*root);
+  return size + damage + ": " + Printable(root->name) + ", " + std::to_string(tags) + (tags == 1 ? " tag" : " tags");
+}
+
+Row MakeRow(const Section& section) {
+  const InvRecord& record = section.record;
+  return {std::to_string(record.number), TypeName(record.type),       std::to_string(record.offset),
+          std::to_string(record.length), Printable(record.timestamp), Holds(section)};
+}
+
+std::string Line(const Row& row, const std::array<std::size_t, 6>& widths) {
+  constexpr bool kRight[] = {true, false, true, true, false, false};
+  std::string line;
+  for (std::size_t i = 0; i < row.size(); ++i)
+    line += "  " + (kRight[i] ? PadLeft(row[i], widths[i]) : PadRight(row[i], widths[i]));
+  return line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
+}
+
+}  // namespace
+
+std::string ListText(const Document& document) {
+  const InvContainer& inv = document.container;
+  std::string text = Printable(document.path) + ": " + Bytes(document.size) + ", " +
+                     std::to_string(inv.records.size()) + (inv.records.size() == 1 ? " section" : " sections") +
+                     ", index at " + std::to_string(inv.indexOffset) + (inv.indexDeflated ? ", deflated" : ", plain") +
+                     (inv.littleEndian ? ", little-endian\n" : ", big-endian\n");
+  std::vector<Row> rows = {{"#", "type", "offset", "length", "timestamp", "holds"}};
+  for (const Section& section : document.sections) rows.push_back(MakeRow(section));
+  std::array<std::size_t, 6> widths = {};
+  for (const Row& row : rows)
+    for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], Width(row[i]));
+  if (rows.size() == 1) return text;
+  for (const Row& row : rows) text += Line(row, widths);
+  return text;
+}

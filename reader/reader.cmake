@@ -1,0 +1,18 @@
+# The way back from an INV file: the library, and the program quillinv. Where CLI11 or nlohmann-json is missing, neither is
+# built, and the agent all the same.
+find_package(CLI11 CONFIG QUIET)
+find_package(nlohmann_json CONFIG QUIET)
+
+if(TARGET CLI11::CLI11 AND TARGET nlohmann_json::nlohmann_json)
+  file(GLOB reader_sources CONFIGURE_DEPENDS reader/*.cpp)
+  list(FILTER reader_sources EXCLUDE REGEX "reader/quillinv\\.cpp$")
+  add_library(reader STATIC ${reader_sources})
+  target_link_libraries(reader PUBLIC zxml PRIVATE ZLIB::ZLIB nlohmann_json::nlohmann_json)
+
+  add_executable(quillinv reader/quillinv.cpp)
+  target_link_libraries(quillinv PRIVATE reader CLI11::CLI11)
+  install(TARGETS quillinv RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  install(FILES man/quillinv.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+else()
+  message(STATUS "CLI11 or nlohmann-json was not found: quillinv is not built")
+endif()

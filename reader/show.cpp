@@ -1,0 +1,143 @@
+// Prints a tree indented, with each tag's values in a column, units written out and what only announces a child left
+// out.
+#include "reader/show.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <set>
+#include <vector>
+
+#include "reader/text.h"
+#include "reader/tree_path.h"
+
+namespace {
+
+constexpr std::size_t kWidestName = 32;  // names beyond this do not push the column of values further right
+
+// The unit in which `shown` says what `bytes` counts; empty when it is neither gigabytes, megabytes nor bytes. A file
+// gives the unit only when it is not the usual one.
+const char* UnitOf(const std::string& shown, const std::string& bytes) {
+  constexpr struct {
+    const char* name;
+    double size;
+    double rounding;
+  } kUnits[] = {{"GB", 1073741824.0, 0.006}, {"MB", 1048576.0, 0.06}, {"bytes", 1.0, 0.5}};
+  const double value = std::strtod(shown.c_str(), nullptr);
+  const double base = std::strtod(bytes.c_str(), nullptr);
+  for (const auto& unit : kUnits)
+    if (std::fabs(base / unit.size - value) < unit.rounding) return unit.name;
+  return "";
+}
+
+using Names = std::vector<std::string_view>;
+
+// The properties whose names are not in `told`.
+std::string PropertiesText(const std::vector<Property>& properties, const Names& told) {
+  std::string text;
+  for (const Property& property : properties) {
+    if (std::find(told.begin(), told.end(), property.name) != told.end()) continue;
+    text += (text.empty() ? "" : ", ") + Printable(property.name) + " " + Printable(property.text);
+  }
+  return text.empty() ? "" : "  (" + text + ")";
+}
+
+std::string PropertyText(const Attribute& attribute, std::string_view name) {
+  const Property* property = FindProperty(attribute.properties, name);
+  return property ? property->text : "";
+}
+
+// " GB"; adds the properties that this tells to `told`.
+std::string UnitText(const Attribute& attribute, Names& told) {
+  const std::string& text = TextOf(&attribute);
+  const std::string bytes = PropertyText(attribute, "base-value");
+  std::string unit = Printable(PropertyText(attribute, "units"));
+  if (unit.empty() && !bytes.empty()) unit = UnitOf(text, bytes);
+  if (!unit.empty()) told.insert(told.end(), {"units", "base-value"});
+  const bool percent = !text.empty() && !attribute.name.empty() && attribute.name.back() == '%';
+  if (unit.empty() && percent) unit = "%";
+  return unit.empty() ? "" : " " + unit;
+}
+
+// " (150.00 of 250.00 GB)" for an attribute that says where it stands on a scale; adds what this tells to `told`.
+std::string ScaleText(const Attribute& attribute, Names& told) {
+  const std::string pos = PropertyText(attribute, "pos");
+  const std::string max = PropertyText(attribute, "max");
+  if (pos.empty() || max.empty()) return "";
+  told.insert(told.end(), {"pos", "max", "val-units"});
+  const std::string unit = PropertyText(attribute, "val-units");
+  return Printable(" (" + pos + " of " + max + (unit.empty() ? "" : " " + unit) + ")");
+}
+
+// A line with a name and, at `column`, its value.
+std::string Line(const std::string& indent, const std::string& name, const std::string& value, std::size_t column,
+                 const char* colour) {
+  const std::string padded = value.empty() ? name : PadRight(name, column) + "  ";
+  return indent + (*colour ? colour + padded + "\x1B[0m" : padded) + value + "\n";
+}
+
+// The attributes without those that only announce a child.
+std::vector<const Attribute*> AttributesToShow(const Tag& tag) {
+  std::set<std::string_view> children;
+  for (const auto& child : tag.children) children.insert(child->name);
+  std::vector<const Attribute*> attributes;
+  for (const auto& attribute : tag.attributes)
+    if (!FindProperty(attribute->properties, "complex") || !children.count(attribute->name))
+      attributes.push_back(attribute.get());
+  return attributes;
+}
+
+void ShowTag(const Tag& tag, const std::string& indent, bool colour, std::string& out) {
+  out += Line(indent, Printable(tag.name), TagValue(tag), 0, colour ? "\x1B[1m" : "");
+  std::size_t column = 0;
+  const std::vector<const Attribute*> attributes = AttributesToShow(tag);
+  for (const Attribute* attribute : attributes) column = std::max(column, Width(Printable(attribute->name)));
+  column = std::min(column, kWidestName);
+  for (const Attribute* attribute : attributes)
+    out += Line(indent + "  ", Printable(attribute->name), ResolvedValue(*attribute), column, colour ? "\x1B[36m" : "");
+  for (const auto& child : tag.children) ShowTag(*child, indent + "  ", colour, out);
+}
+
+std::string ShowMatches(const Tag& container, const ShowOptions& options) {
+  std::string out;
+  for (const PathMatch& match : FindByPath(container, options.path)) {
+    if (match.attribute)
+      out += ResolvedValue(*match.attribute) + "\n";
+    else
+      ShowTag(*match.tag, "", options.colour, out);
+  }
+  return out;
+}
+
+}  // namespace
+
+std::string ResolvedValue(const Attribute& attribute) {
+  Names told = {"complex"};
+  std::string value = Printable(TextOf(&attribute));
+  value += UnitText(attribute, told);
+  value += ScaleText(attribute, told);
+  return value + PropertiesText(attribute.properties, told);
+}
+
+std::string TagValue(const Tag& tag) {
+  return Printable(TextOf(&tag)) + PropertiesText(tag.properties, {"field-source"});
+}
+
+std::string ShowText(const Document& document, const ShowOptions& options) {
+  std::string out;
+  for (const Section& section : document.sections) {
+    const Tag* root = RootTag(section);
+    if (options.raw) {
+      if (options.path.empty() || (root && root->name == options.path)) out += section.body.text;
+      continue;
+    }
+    if (!options.path.empty()) {
+      out += ShowMatches(section.tree.container, options);
+      continue;
+    }
+    out += out.empty() ? "" : "\n";
+    if (IsRaw(section)) out += section.body.text;
+    for (const auto& child : section.tree.container.children) ShowTag(*child, "", options.colour, out);
+  }
+  return out;
+}

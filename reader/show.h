@@ -1,0 +1,22 @@
+// quillinv show: trees for people.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "reader/document.h"
+#include "zxml/tag.h"
+
+struct ShowOptions {
+  bool raw = false;     // the text unchanged
+  bool colour = false;  // with escape sequences of a terminal
+  std::string path;     // what to show; empty for everything
+};
+
+// All sections, or what the path names. Empty when the path names nothing.
+std::string ShowText(const Document& document, const ShowOptions& options);
+
+// The attribute's value with its unit and what its other properties say: "232.57 GB".
+std::string ResolvedValue(const Attribute& attribute);
+// The tag's value with what its properties say.
+std::string TagValue(const Tag& tag);

@@ -1,0 +1,27 @@
+// Text of a file made fit for a terminal, a table or a document in UTF-8.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+// `text` in UTF-8: each byte that belongs to no valid sequence, and each zero byte, becomes U+FFFD.
+std::string CleanUtf8(std::string_view text);
+
+// CleanUtf8, and control characters written as "\r" or "\x1B", so that a file cannot steer a terminal.
+std::string Printable(std::string_view text);
+
+// "1 byte", "2 bytes".
+std::string Bytes(std::uint64_t count);
+
+// Characters of a text in UTF-8.
+std::size_t Width(std::string_view text);
+
+// `text` and blanks up to `width` characters.
+std::string PadRight(std::string text, std::size_t width);
+// Blanks up to `width` characters and `text`.
+std::string PadLeft(const std::string& text, std::size_t width);
+
+// A whole number in decimal digits alone; no value for anything else and for one that 64 bits do not hold.
+std::optional<std::uint64_t> ParseNumber(std::string_view digits);

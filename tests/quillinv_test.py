@@ -1,0 +1,148 @@
+#!/usr/bin/env python3
+"""quillinv end to end, on files that this script lays out byte by byte. Arguments: source folder, build folder."""
+import csv, io, json, os, struct, subprocess, sys, tempfile, unittest, zlib
+
+SOURCE, BUILD = (os.path.abspath(path) for path in sys.argv[1:3])
+QUILLINV = os.path.join(BUILD, "quillinv")
+HEAD = b"\xef\xbb\xbf?zxml\n"
+SNAPSHOT = (b"+Snapshot=\ntimestamp=20260102030405.000000+60\nclient-version=15.11.18.0\n+OS=\n*os:1=OS X v10.11\n~kind=mac\n"
+            b"name=a\rb \xff\"c\"\nuptime=%s\n-\n+Processes=\n*process:1=p\npid=%s\n-\n-\n")
+ASSET = b"+AssetInfo=\nhostname=%s\nserial-number=W8,0\rx\xff\n*control=\nos-name=OS \"X\"\ndisk:1=465.63\n~free=%s\n-\n"
+PLIST_HEAD = (b'<?xml version="1.0" encoding="UTF-8"?>\n<!DOCTYPE plist PUBLIC "-//Apple//DTD PLIST 1.0//EN" '
+              b'"http://www.apple.com/DTDs/PropertyList-1.0.dtd">\n<plist version="1.0">\n<array>\n')
+PLIST_TAIL = b"</array>\n</plist>\n"
+
+
+def saved(text):
+    return zlib.compress(HEAD + text, 9) + b"\0\1ZXML"
+
+
+def container(*sections):
+    index = b"[H]\ncount=%d\nsnapshotcount=%d\n" % (len(sections), sum(b"snap" in kind for kind, _ in sections))
+    bodies = b""
+    for number, (kind, body) in enumerate(sections):
+        index += b"[%d]\noffset=%d\nlength=%d\ntype=%s" % (number, len(bodies), len(body), kind)
+        bodies += body
+    return bodies + zlib.compress(index) + struct.pack(">QBB", len(bodies), 3, 1) + b"INV!"
+
+
+def scan(host=b"MAC", uptime=b"1", free=b"2"):
+    return container((b"snapshot\ntimestamp=20260102030405.000000+60\nsnaptype=mac:1\n", saved(SNAPSHOT % (uptime, uptime))),
+                     (b"assetinfo\n", saved(ASSET % (host, free))))
+
+
+def plist(*types):
+    return PLIST_HEAD + b"".join(types) + PLIST_TAIL
+
+
+def data_type(name):
+    return (b"\t<dict>\n\t\t<key>_properties</key>\n\t\t<dict>\n\t\t\t<key>_dataType</key>\n\t\t\t<string>no</string>\n\t\t</dict>\n"
+            b"\t\t<key>_dataType</key>\n\t\t<string>%s</string>\n\t\t<key>t</key>\n\t\t<string>a\n\xff b\\</string>\n\t</dict>\n" % name)
+
+
+def run(*arguments, status=0, program=QUILLINV):
+    done = subprocess.run([program, *arguments], capture_output=True, env={**os.environ, "QUILLINV": QUILLINV})
+    assert done.returncode == status, (arguments, done)
+    return done.stdout, done.stderr.decode()
+
+
+def write(name, data):
+    with open(name, "wb") as file:
+        file.write(data)
+    return name
+
+
+class Quillinv(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory(prefix="quillinv test ")
+        self.addCleanup(folder.cleanup)
+        os.chdir(folder.name)
+        self.a, self.b = write("a.inv", scan()), write("b.inv", scan(uptime=b"9", free=b"9"))
+        self.other = write("c.inv", scan(host=b"MAC2"))
+        self.bad = write("bad.inv", scan()[:-1])
+        self.raw = plist(data_type(b"SPHardwareDataType"), data_type(b"../../x"), data_type(b"SPPowerDataType"))
+        self.debug = write("d.inv", container((b"assetinfo\n", saved(b"*AssetInfo=\nint-name=Ann's \\ Mac\n")),
+                                              (b"customdata\nID=rawdata\n", zlib.compress(self.raw))))
+
+    def test_trouble_with_one_file_does_not_stop_the_others(self):
+        for command in ("list", "json", "csv"):
+            out, err = run(command, self.bad, self.a, "none.inv", status=2)
+            self.assertIn(b"a.inv", out)
+            self.assertEqual([line.split(": ")[:2] for line in err.splitlines()],
+                             [["quillinv", "bad.inv"], ["quillinv", "none.inv"]])
+        for arguments in ([], ["list"], ["nothing"], ["csv", "--columns", "x", self.a], ["diff", self.a]):
+            run(*arguments, status=2)
+
+    def test_list_and_show(self):
+        self.assertRegex(run("list", self.debug)[0], rb"\n  0  assetinfo  +0 +\d+ +deflated zXML, 42 bytes: AssetInfo, 1 tag\n")
+        self.assertEqual(run("show", self.a, "Snapshot/OS")[0].decode(),
+                         'OS\n  os:1  OS X v10.11  (kind mac)\n    name    a\\rb \ufffd"c"\n    uptime  1\n')
+        self.assertEqual(run("show", "--raw", self.a, "Snapshot")[0], HEAD + SNAPSHOT % (b"1", b"1"))
+        self.assertTrue(run("show", self.debug)[0].endswith(self.raw))
+        self.assertIn("holds nothing", run("show", self.a, "Snapshot/OS/os:2", status=2)[1])
+
+    def test_json_reads_back(self):
+        files = [self.a, self.debug] * 20
+        lines = [json.loads(line) for line in run("json", "--lines", *files)[0].decode().splitlines()]
+        self.assertEqual([line["file"] for line in lines], files)
+        self.assertEqual(json.loads(run("json", self.a)[0]), lines[0])
+        tags = lines[0]["sections"][0]["tags"]
+        self.assertEqual([(tag["path"], tag["parent"]) for tag in tags],
+                         [("Snapshot", -1), ("Snapshot/OS", 0), ("Snapshot/OS/os:1", 1), ("Snapshot/Processes", 0),
+                          ("Snapshot/Processes/process:1", 3)])
+        self.assertEqual(tags[2]["attributes"][0], {"name": "name", "value": 'a\rb \ufffd"c"', "properties": []})
+        self.assertEqual(tags[2]["properties"], [{"name": "kind", "text": "mac"}])
+        self.assertEqual(lines[0]["computer"]["os-name"], 'OS "X"')
+        self.assertEqual(lines[1]["sections"][1]["raw"], self.raw.decode(errors="replace"))
+
+    def test_csv_reads_back(self):
+        for options in ([], ["--columns", "file,serial-number,Snapshot/OS/os:1/name,os-name,last-scan"]):
+            out = run("csv", *options, self.a, self.debug)[0]
+            rows = list(csv.DictReader(io.StringIO(out.decode(), newline="")))
+            self.assertEqual([row["file"] for row in rows], [self.a, self.debug])
+            self.assertEqual([row["serial-number"] for row in rows], ["W8,0\rx\ufffd", ""])
+            self.assertEqual((rows[0]["os-name"], rows[0]["last-scan"]), ('OS "X"', ""))
+        self.assertEqual(rows[0]["Snapshot/OS/os:1/name"], 'a\rb \ufffd"c"')
+
+    def test_diff_answers_like_diff(self):
+        self.assertEqual(run("diff", self.a, self.b)[0], b"")
+        self.assertIn(b"! Snapshot/OS/os:1/uptime: 1 -> 9\n", run("diff", "--all", self.a, self.b, status=1)[0])
+        self.assertEqual(run("diff", self.a, self.other, status=1)[0],
+                         b"--- a.inv\n+++ c.inv\n! AssetInfo/hostname: MAC -> MAC2\n")
+        run("diff", self.a, self.bad, status=2)
+
+    def test_check_answers_by_its_status(self):
+        self.assertEqual(run("check", self.a, self.debug)[0], b"a.inv: sound\nd.inv: sound\n")
+        self.assertIn(b"bad.inv: byte ", run("check", self.a, self.bad, status=1)[0])
+        run("check", self.bad, "none.inv", status=2)
+        run("check", write("bomb.inv", container((b"customdata\nID=rawdata\n", zlib.compress(bytes(3 << 20))))))
+        self.assertIn(b"the 2097152 bytes allowed", run("check", "--limit", "2MB", "bomb.inv", status=1)[0])
+        self.assertEqual(run("extract", "--limit", "2MB", "bomb.inv", status=2)[0], b"")
+
+    def test_extract_never_writes_into_an_inv_file(self):
+        self.assertEqual(run("extract", self.debug)[0], self.raw)
+        run("extract", self.debug, "--section", "0", "-o", "out")
+        with open("out", "rb") as file:
+            self.assertEqual(file.read(), HEAD + b"*AssetInfo=\nint-name=Ann's \\ Mac\n")
+        for target in (self.debug, self.a):
+            self.assertIn("is not written over", run("extract", self.debug, "-o", target, status=2)[1])
+        self.assertIn("no section 2", run("extract", self.debug, "--section", "2", status=2)[1])
+
+    def test_from_debug_makes_a_recording(self):
+        program = os.path.join(SOURCE, "replay", "from-debug")
+        run(self.debug, "a \\b", program=program)
+        made = {"all": self.raw, **{name: plist(data_type(name.encode())) for name in ("SPHardwareDataType", "SPPowerDataType")}}
+        self.assertEqual(sorted(os.listdir("a \\b/system_profiler")), sorted(name + ".xml" for name in made))
+        for name, document in made.items():
+            with open(f"a \\b/system_profiler/{name}.xml", "rb") as file:
+                self.assertEqual(file.read(), document)
+        with open("a \\b/computer-name.txt", encoding="utf-8") as file:
+            self.assertEqual(file.read(), "Ann's \\ Mac\n")
+        for arguments in ([self.debug, "a \\b"], [self.a, "new"], [self.debug]):
+            self.assertIn("from-debug: ", run(*arguments, status=2, program=program)[1])
+
+
+if not os.path.exists(QUILLINV):
+    print("quillinv was not built; nothing to test")
+    sys.exit(0)
+unittest.main(argv=sys.argv[:1])

@@ -1,0 +1,246 @@
+// The reader against the writer, and against files that no writer makes.
+#include <gtest/gtest.h>
+
+#include "reader/commands.h"
+#include "reader/text.h"
+#include "reader/zxml_reader.h"
+#include "zxml/INVfile.h"
+#include "zxml/zXML.h"
+
+namespace {
+
+struct Saved {
+  bool split, compress, littleEndian, compressIndex;
+};
+
+constexpr char kTimestamp[] = "20260102030405.000000+60";
+
+TagTree SampleTree(bool littleEndian) {
+  TagTree tree = CreateTree(littleEndian, "Snapshot");
+  SetAttributeByPath(tree, "/timestamp", MakeTextValue(kTimestamp));
+  SetAttributeByPath(tree, "/A/x", MakeDoubleValue(3), "units", "MB");
+  SetAttributeByPath(tree, "/A/-", MakeTextValue("a=b\rc \xFF"));
+  SetAttributeByPath(tree, "/A/-x", Value());
+  SetAttributeByPath(tree, "/B]/C/D/y", MakeBoolValue(true));
+  SetTagValue(*FindChild(RootOf(tree), "A"), MakeIntValue(-7));
+  AddTagProperty(*FindChild(RootOf(tree), "A"), "kind", "");
+  return tree;
+}
+
+std::string TextOfContainer(const Tag& container) {
+  std::string text(TextSize(container, false), '\0');
+  WriteText(container, text.data(), 0, false, false);
+  return text;
+}
+
+std::string SampleFile(const Saved& saved) {
+  InvFile inv = InitInvFile(saved.littleEndian);
+  AddTreeSection(inv, SampleTree(saved.littleEndian), InvSectionType::Snapshot, saved.split, saved.compress);
+  AddTreeSection(inv, CreateTree(saved.littleEndian, "AssetInfo"), InvSectionType::AssetInfo, saved.split,
+                 saved.compress);
+  AddRawSection(inv, InvCompress("<plist/>\n"));
+  return BuildInvBuffer(inv, saved.compressIndex);
+}
+
+std::string FaultLines(const Faults& faults) {
+  std::string lines;
+  for (const Fault& fault : faults) lines += FaultText(fault) + "\n";
+  return lines;
+}
+
+std::string CheckFile(const std::string& bytes, std::size_t limit = kDefaultLimit) {
+  return FaultLines(CheckDocument(ReadDocument("f", bytes, limit)));
+}
+
+std::string TextsOf(const Document& document) {
+  std::string texts = document.container.indexText;
+  for (const Section& section : document.sections) texts += section.body.text;
+  return texts;
+}
+
+std::string Replaced(std::string text, const std::string& from, const std::string& to) {
+  const std::size_t at = text.find(from);
+  EXPECT_NE(at, std::string::npos) << from;
+  return at == std::string::npos ? text : text.replace(at, from.size(), to);
+}
+
+// A document that holds that text as its snapshot.
+Document DocumentOf(const std::string& lines) {
+  InvFile inv = InitInvFile(false);
+  AddSavedSection(inv, "\xEF\xBB\xBF?zxml\n" + lines + std::string(102, '\0'), InvSectionType::Snapshot);
+  return ReadDocument("f", BuildInvBuffer(inv, true));
+}
+
+}  // namespace
+
+TEST(Reader, ReadsEverySavedFormBack) {
+  const TagTree tree = SampleTree(false);
+  const std::string text = TextOfContainer(tree.container);
+  for (int bits = 0; bits < 16; ++bits) {
+    SCOPED_TRACE(bits);
+    const Saved saved{(bits & 1) != 0, (bits & 2) != 0, (bits & 4) != 0, (bits & 8) != 0};
+    const Document document = ReadDocument("f", SampleFile(saved));
+    EXPECT_EQ(FaultLines(CheckDocument(document)), "");
+    ASSERT_EQ(document.sections.size(), 3u);
+    EXPECT_EQ(document.container.littleEndian, saved.littleEndian);
+    EXPECT_EQ(document.sections[0].body.littleEndian, saved.split && saved.littleEndian);
+    EXPECT_EQ(document.sections[0].record.timestamp, kTimestamp);
+    EXPECT_EQ(document.sections[0].body.text, text.substr(0, text.size() - (saved.split ? 2 : 0)));
+    EXPECT_EQ(TextOfContainer(document.sections[0].tree.container), text);
+    EXPECT_EQ(document.sections[2].body.text, "<plist/>\n");
+    EXPECT_EQ(DefaultSection(document), 2u);
+  }
+  for (const bool compressIndex : {false, true}) {
+    InvFile empty = InitInvFile(true);
+    EXPECT_EQ(CheckFile(BuildInvBuffer(empty, compressIndex)), "");
+  }
+}
+
+// Bytes of plain texts may change into other sound ones; the checksums of a deflated file let no change of its texts
+// pass.
+TEST(Reader, ReportsOrAcceptsEveryDamage) {
+  for (const Saved& saved : {Saved{false, true, false, true}, Saved{true, true, true, true},
+                             Saved{false, false, true, false}, Saved{true, false, false, false}}) {
+    const std::string file = SampleFile(saved);
+    const std::string texts = TextsOf(ReadDocument("f", file));
+    for (std::size_t i = 0; i < file.size(); ++i) {
+      EXPECT_NE(CheckFile(file.substr(0, i)), "") << "cut at " << i;
+      for (int change = 0; change < 10; ++change) {
+        std::string damaged = file;
+        damaged[i] = change == 8 ? '\0' : change == 9 ? '\xFF' : static_cast<char>(file[i] ^ (1 << change));
+        const Document document = ReadDocument("f", damaged);
+        if (CheckDocument(document).empty() && saved.compress) {
+          EXPECT_EQ(TextsOf(document), texts) << "byte " << i << ", change " << change;
+        }
+      }
+    }
+  }
+}
+
+TEST(Reader, NamesTheFaultsOfAContainer) {
+  const std::string plain = SampleFile({false, false, false, false});
+  const std::size_t trailer = plain.size() - 14;
+  const auto with = [&plain](std::size_t at, char byte) { return std::string(plain).replace(at, 1, 1, byte); };
+  const std::string split = SampleFile({true, false, false, false});
+  InvFile empty = InitInvFile(false);
+  const std::string gap = "x" + BuildInvBuffer(empty, false).replace(35, 1, "\1");  // the trailer's offset says 1
+  AddRawSection(empty, InvCompress("x") + "y");
+  const std::pair<std::string, const char*> cases[] = {
+      {"", "byte 0: the file has 0 bytes, fewer than a trailer takes"},
+      {gap, "byte 0: what stands before the index belongs to no section: 1 byte"},
+      {BuildInvBuffer(empty, true), "byte 9: the deflated data ends here, but there is more: 1 byte\n"},
+      {Replaced(split, "offset=0\n", "offset=1\n"), "in neither byte order does the length here lead to an index"},
+      {plain + "\n", "it is no INV file, or it was cut"},
+      {with(trailer, '\1'), ": in neither byte order"},
+      {with(trailer + 8, '\4'), "the format version is 4 instead of 3"},
+      {with(trailer + 9, '\1'), ": index: the deflated data is damaged"},
+      {Replaced(plain, "[H]\n", "[h]\n"), "byte 0 of the index: this line of the index cannot be understood"},
+      {Replaced(plain, "count=3", "count=4"), "counts 4 sections, but there are 3 records"},
+      {Replaced(plain, "snapshotcount=1", "snapshotcount=2"), "the header counts more snapshots than there are"},
+      {Replaced(plain, "offset=0\n", "offset=9\n"),
+       "byte 0: what stands before section 0 belongs to no section: 9 bytes"},
+      {Replaced(plain, "offset=0\n", "offset=9\n"), "section 1 begins here, inside the section before it"},
+      {Replaced(plain, "length=", "length=9"), "which reaches beyond the bodies"},
+      {Replaced(plain, "type=snapshot", "type=assetinfo"), "of the index: a line of the index is missing, doubled"},
+      {Replaced(plain, "type=assetinfo", "type=assetinf0"), "this line of the index cannot be understood"},
+      {Replaced(plain, "+Snapshot", "+Snapshop"), "is of type snapshot, but its root has another name"},
+      {Replaced(plain, "timestamp=2026", "timestamp=2025"), "another timestamp than its record"},
+      {Replaced(plain, std::string(102, '\0'), std::string(101, '\0') + "\1"),
+       ": 0 zero bytes follow the text instead of 102"},
+  };
+  for (const auto& [file, words] : cases)
+    EXPECT_NE(CheckFile(file).find(words), std::string::npos) << words << "\n" << CheckFile(file);
+}
+
+TEST(Reader, StopsADeflateBombAtTheLimit) {
+  InvFile inv = InitInvFile(false);
+  AddRawSection(inv, InvCompress(std::string(5000000, 'x')));
+  for (const std::size_t limit : {4999999u, 5000000u}) {
+    const Document document = ReadDocument("f", BuildInvBuffer(inv, true), limit);
+    EXPECT_EQ(document.sections[0].body.text.size(), limit);
+    EXPECT_EQ(document.faults.empty(), limit == 5000000);
+  }
+}
+
+// What stands behind "byte " is compared as far as it is given; no words: the text is sound.
+TEST(Reader, NamesTheFaultsOfAText) {
+  std::string nested;
+  for (int i = 0; i < 600; ++i) nested += "+a=\n";
+  const struct {
+    std::string lines, fault;
+    bool rootOpen = false;
+  } cases[] = {{"*A=\n", ""},
+               {"*A=\n", "", true},
+               {"+A=\n", "", true},
+               {"+A=\n-\n", "15 of t: the root is closed, although this body's form leaves it open\n", true},
+               {"+A=\n+B=\nx=1\n-\n", "9 of t: the tag that begins here is not closed\n"},
+               {"", "9 of t: the text holds no tag\n"},
+               {"*A=\n-\n", "13 of t: this line closes a tag, but none is open\n"},
+               {"*A=\n*B=\n", "13 of t: a second root begins here\n"},
+               {"+A=\n*B=\n-\nx=1\n", "19 of t: this line stands neither behind its tag nor does it begin or close"},
+               {"~p=q\n*A=\n", "9 of t: this property belongs to no tag and no attribute\n"},
+               {"*A=\nx\n", "13 of t: this line has no \"=\"\n"},
+               {"*A=\nx=1", "16 of t: the text ends inside a line\n"},
+               {std::string("*A=\0\n", 5), "9 of t: this line holds a zero byte\n"},
+               {nested, "521 of t: more than 128 tags inside one another; reading ends here\n"}};
+  for (const auto& [lines, fault, rootOpen] : cases) {
+    Faults faults;
+    TextBudget budget;
+    ParseZxml("\xEF\xBB\xBF?zxml\n" + lines, rootOpen, "t", budget, faults);
+    const std::string expected = fault.empty() ? "" : "byte " + fault;
+    EXPECT_EQ(FaultLines(faults).substr(0, fault.empty() ? std::string::npos : expected.size()), expected) << lines;
+  }
+}
+
+TEST(Show, FindsWhatAPathNames) {
+  const Document document = DocumentOf("+Snapshot=\na=1\n+b/c=\nm=\n~complex=\n*m=M\nx=2\n-\n*b=B\nc=3\n-\n");
+  for (const auto& [path, shown] :
+       std::vector<std::pair<const char*, const char*>>{{"/Snapshot/a/", "1\n"},
+                                                        {"Snapshot/b/c/m", "m  M\n  x  2\n"},
+                                                        {"Snapshot/b/c", "b/c\n  m  M\n    x  2\n3\n"},
+                                                        {"snapshot/a", ""},
+                                                        {"Snapshot//a", ""}})
+    EXPECT_EQ(ShowText(document, {false, false, path}), shown) << path;
+}
+
+TEST(Show, ResolvesUnits) {
+  const std::pair<Attribute, const char*> cases[] = {
+      {{"size", MakeTextValue("465.63"), {{"base-value", "499963170816"}}}, "465.63 GB"},
+      {{"size", MakeTextValue("500.0"), {{"base-value", "524288000"}, {"units", "MB"}}}, "500.0 MB"},
+      {{"capacity", MakeTextValue("8192"), {{"base-value", "8589934592"}}}, "8192 MB"},
+      {{"size", MakeTextValue("17"), {{"base-value", "99"}}}, "17  (base-value 99)"},
+      {{"free%", MakeTextValue("40"), {}}, "40 %"},
+      {{"used%", MakeTextValue("6"), {{"pos", "1.50"}, {"max", "25.00"}, {"val-units", "GB"}}},
+       "6 % (1.50 of 25.00 GB)"},
+      {{"disk:1", MakeTextValue("465.63"), {{"free", "7"}, {"sys", "1"}}}, "465.63  (free 7, sys 1)"},
+      {{"x", MakeTextValue("\x1B[2J\r"), {}}, "\\x1B[2J\\r"}};
+  for (const auto& [attribute, shown] : cases) EXPECT_EQ(ResolvedValue(attribute), shown);
+}
+
+TEST(Text, ReplacesWhatIsNoUtf8) {
+  const std::string sound = "a\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80", none = "\xEF\xBF\xBD";
+  EXPECT_EQ(CleanUtf8(sound), sound);
+  for (const std::string bad : {"\xC0\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xE2\x82", "\xE0\x9F\x80", "\xFF"}) {
+    std::string expected;
+    for (std::size_t i = 0; i < bad.size(); ++i) expected += none;
+    EXPECT_EQ(CleanUtf8(bad + "("), expected + "(");
+  }
+}
+
+TEST(Diff, PairsNumberedTagsByValue) {
+  const std::string before = "+Snapshot=\nuptime=1\n*P=\n*HDD:1=A\nsize=1\n*HDD:2=B\nsize=2\nfree=5\n*Processes=\n-\n";
+  const struct {
+    const char *from, *to, *lines;
+    bool all = false;
+  } cases[] = {{"free=5\n", "free=6\n~units=MB\n", ""},
+               {"uptime=1", "uptime=2", ""},
+               {"*Processes=\n", "", ""},
+               {"*Processes=\n", "", "- Snapshot/Processes\n", true},
+               {"uptime=1", "uptime=2", "! Snapshot/uptime: 1 -> 2\n", true},
+               {"*HDD:1=A\nsize=1\n*HDD:2", "*HDD:1", "- Snapshot/HDD:1: A\n"},
+               {"*HDD:1=A\nsize=1\n*HDD:2=B", "*HDD:1=B", "- Snapshot/HDD:1: A\n"},
+               {"=A\nsize=1", "=C\nsize=3", "! Snapshot/HDD:1: A -> C\n! Snapshot/HDD:1/size: 1 -> 3\n"},
+               {"e=2", "e=2\n~u=\nnew=n", "! Snapshot/HDD:2/size: 2 -> 2  (u )\n+ Snapshot/HDD:2/new: n\n"}};
+  for (const auto& [from, to, lines, all] : cases)
+    EXPECT_EQ(DiffText(DocumentOf(before), DocumentOf(Replaced(before, from, to)), all), lines) << from;
+}
