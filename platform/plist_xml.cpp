@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <memory>
 #include <string>
 
@@ -107,7 +108,7 @@ class PlainXmlReader {
     const auto status = XML_Parse(parser_.get(), document.data(), static_cast<int>(document.size()), XML_TRUE);
     if (tooDeep_) return PropertyList();
     if (status != XML_STATUS_OK || gaveUp_ || !hasRoot_) return std::nullopt;
-    return std::move(root_);
+    return std::move(values_.front());
   }
 
  private:
@@ -128,16 +129,24 @@ class PlainXmlReader {
     const Element element = ElementOf(name);
     if ((*attributes && element != Element::Plist) || !Self(data).Start(element)) GiveUp(data);
   }
-  static void OnEnd(void* data, const char* name) {
-    if (!Self(data).gaveUp_ && !Self(data).End(ElementOf(name))) GiveUp(data);
+  static void OnEnd(void* data, const char*) {
+    if (!Self(data).gaveUp_ && !Self(data).End()) GiveUp(data);
   }
   static void OnText(void* data, const char* text, int size) {
     const std::string_view piece(text, static_cast<std::size_t>(size));
     if (!Self(data).gaveUp_ && !Self(data).Append(piece)) GiveUp(data);
   }
 
+  // A container that is being filled: its values and keys lie on the two stacks from these marks on.
+  struct Open {
+    PropertyListKind kind;
+    std::size_t firstValue, firstKey;
+  };
+
+  std::size_t ValueCount() const { return values_.size() - open_.back().firstValue; }
+  std::size_t KeyCount() const { return keys_.size() - open_.back().firstKey; }
   bool InDictionary() const { return !open_.empty() && open_.back().kind == PropertyListKind::Dictionary; }
-  bool KeyIsPending() const { return open_.back().keys.size() > open_.back().items.size(); }
+  bool KeyIsPending() const { return KeyCount() > ValueCount(); }
 
   // Whether an element of that kind may stand here.
   bool Fits(Element element) const {
@@ -154,8 +163,8 @@ class PlainXmlReader {
     } else if (element == Element::Dictionary || element == Element::Array) {
       tooDeep_ = open_.size() == kMaxOpenContainers;
       if (tooDeep_) return false;
-      open_.emplace_back();
-      open_.back().kind = element == Element::Array ? PropertyListKind::Array : PropertyListKind::Dictionary;
+      const auto kind = element == Element::Array ? PropertyListKind::Array : PropertyListKind::Dictionary;
+      open_.push_back({kind, values_.size(), keys_.size()});
     } else {
       leaf_ = element;
       text_.clear();
@@ -169,20 +178,36 @@ class PlainXmlReader {
     return true;
   }
 
-  bool End(Element element) {
+  // The parser sees to it that what ends is what was opened last.
+  bool End() {
+    const Element leaf = leaf_;
     leaf_ = Element::None;
-    if (element == Element::Plist) return true;
-    if (element == Element::Key) {
-      open_.back().keys.push_back(text_);
+    if (leaf == Element::Key) {
+      keys_.push_back(text_);
       return !text_.empty();
     }
-    if (element != Element::Dictionary && element != Element::Array) {
-      PropertyList value;
-      return ReadScalar(element, value) && Add(std::move(value));
-    }
-    PropertyList container = std::move(open_.back());
+    if (leaf == Element::None && open_.empty()) return true;  // the property list itself
+    if (leaf == Element::None) return Close();
+    values_.emplace_back();
+    hasRoot_ = hasRoot_ || open_.empty();
+    return ReadScalar(leaf, values_.back());
+  }
+
+  // Takes the innermost container and what lies on the stacks for it.
+  bool Close() {
+    if (InDictionary() && (KeyIsPending() || HasKeyTwice())) return false;
+    const auto value = values_.begin() + static_cast<std::ptrdiff_t>(open_.back().firstValue);
+    const auto key = keys_.begin() + static_cast<std::ptrdiff_t>(open_.back().firstKey);
+    PropertyList container;
+    container.kind = open_.back().kind;
+    container.items.assign(std::make_move_iterator(value), std::make_move_iterator(values_.end()));
+    container.keys.assign(std::make_move_iterator(key), std::make_move_iterator(keys_.end()));
+    values_.erase(value, values_.end());
+    keys_.erase(key, keys_.end());
+    values_.push_back(std::move(container));
     open_.pop_back();
-    return container.keys.size() <= container.items.size() && !HasKeyTwice(container.keys) && Add(std::move(container));
+    hasRoot_ = hasRoot_ || open_.empty();
+    return true;
   }
 
   bool ReadScalar(Element element, PropertyList& value) {
@@ -207,30 +232,20 @@ class PlainXmlReader {
     }
   }
 
-  bool Add(PropertyList value) {
-    if (open_.empty()) {
-      root_ = std::move(value);
-      hasRoot_ = true;
-    } else {
-      open_.back().items.push_back(std::move(value));
-    }
-    return true;
-  }
-
   // Long dictionaries are given up as if they did.
-  static bool HasKeyTwice(const std::vector<std::string>& keys) {
-    if (keys.size() > 300) return true;
-    for (std::size_t i = 1; i < keys.size(); ++i)
-      for (std::size_t k = 0; k < i; ++k)
-        if (keys[i] == keys[k]) return true;
+  bool HasKeyTwice() const {
+    if (KeyCount() > 300) return true;
+    for (auto key = keys_.begin() + static_cast<std::ptrdiff_t>(open_.back().firstKey); key != keys_.end(); ++key)
+      if (std::find(key + 1, keys_.end(), *key) != keys_.end()) return true;
     return false;
   }
 
   std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser_;
-  std::vector<PropertyList> open_;  // the containers that are being filled, the innermost last
-  std::string text_;                // of the leaf element that is open
+  std::vector<Open> open_;  // the innermost last
+  std::vector<PropertyList> values_;
+  std::vector<std::string> keys_;
+  std::string text_;  // of the leaf element that is open
   Element leaf_ = Element::None;
-  PropertyList root_;
   bool inPlist_ = false;
   bool hasRoot_ = false;
   bool tooDeep_ = false;

@@ -48,6 +48,13 @@ std::vector<std::string> FolderEntries(const std::string& folder) {
   return names;
 }
 
+// A number that is not negative in decimal, with leading zeros; dates are many, and printf is slow.
+std::string Digits(int number, std::size_t width) {
+  std::string text(width, '0');
+  for (std::size_t i = width; i > 0; --i, number /= 10) text[i - 1] = static_cast<char>('0' + number % 10);
+  return text;
+}
+
 // "<pid> <ppid> <name>", the name being the rest of the line.
 bool ParseRecordedProcess(const std::string& line, ProcessRecord& record) {
   int nameAt = 0;
@@ -100,17 +107,17 @@ PropertyList ParsePropertyList(std::string document) {
 
 std::string FormatLocalTime(double seconds, DateForm form) {
   const double sinceUnix = std::floor(seconds + kEpoch2001);
-  if (!(std::fabs(sinceUnix) < 1e15)) return std::string();
+  if (!(std::fabs(sinceUnix) < 2.5e11)) return std::string();  // years of four digits
   const auto moment = static_cast<std::time_t>(sinceUnix);
   struct tm local;
-  if (!localtime_r(&moment, &local)) return std::string();
-  char text[64];
-  if (form == DateForm::Short) return std::string(text, std::strftime(text, sizeof text, "%Y-%m-%d", &local));
-  const long offset = std::labs(local.tm_gmtoff) / 60;
-  const std::size_t size = std::strftime(text, sizeof text, "%Y%m%d%H%M%S.000000 ", &local);
-  std::snprintf(text + size, sizeof text - size, "%c%02ld%02ld", local.tm_gmtoff < 0 ? '-' : '+', offset / 60,
-                offset % 60);
-  return text;
+  if (!localtime_r(&moment, &local) || local.tm_year + 1900 < 0 || local.tm_year + 1900 > 9999) return std::string();
+  const char* const dash = form == DateForm::Short ? "-" : "";
+  std::string text =
+      Digits(local.tm_year + 1900, 4) + dash + Digits(local.tm_mon + 1, 2) + dash + Digits(local.tm_mday, 2);
+  if (form == DateForm::Short) return text;
+  const int offset = static_cast<int>(std::labs(local.tm_gmtoff) / 60);
+  text += Digits(local.tm_hour, 2) + Digits(local.tm_min, 2) + Digits(local.tm_sec, 2) + ".000000 ";
+  return text + (local.tm_gmtoff < 0 ? '-' : '+') + Digits(offset / 60, 2) + Digits(offset % 60, 2);
 }
 
 double CurrentTime() {

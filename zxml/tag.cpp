@@ -17,16 +17,18 @@ std::uint16_t NameMark(std::string_view name) {
   return static_cast<std::uint16_t>(mark ^ (mark >> 16));
 }
 
+constexpr std::size_t kUsualAttributes = 8;
 constexpr std::size_t kMarkBlock = 64;
+constexpr std::uint16_t kHit = 0xFFFF, kMiss = 0;
 
-// The first index from `from` on whose mark is `mark`, or the count. A block at a time, so that the compiler can compare
-// several marks with one instruction.
+// The first index from `from` on whose mark is `mark`, or the count. A block at a time, so that the compiler can
+// compare several marks with one instruction.
 std::size_t NextMark(const std::vector<std::uint16_t>& marks, std::size_t from, std::uint16_t mark) {
   const std::uint16_t* data = marks.data();
   std::size_t i = from;
   for (; i + kMarkBlock <= marks.size(); i += kMarkBlock) {
     std::uint16_t hits = 0;
-    for (std::size_t k = 0; k < kMarkBlock; ++k) hits = static_cast<std::uint16_t>(hits | (data[i + k] == mark));
+    for (std::size_t k = 0; k < kMarkBlock; ++k) hits |= data[i + k] == mark ? kHit : kMiss;
     if (hits) break;
   }
   while (i < marks.size() && data[i] != mark) ++i;
@@ -39,7 +41,7 @@ void AssignValue(Value& target, Value source) {
 
 const Value* ValueOf(const Tag* tag) { return tag && tag->value ? &*tag->value : nullptr; }
 
-bool BreaksLine(char c) { return c == '\n' || c == '\r' || c == '\0'; }
+bool BreaksLine(char c) { return static_cast<unsigned char>(c) <= '\r' && (c == '\n' || c == '\r' || c == '\0'); }
 
 // The text ends at its first zero byte and after the CR of its first CR LF; every other line break becomes CR.
 void NormaliseLineBreaks(std::string& text) {
@@ -68,13 +70,11 @@ void OverwriteProperty(std::vector<Property>& list, const char* name, const char
   list.push_back({name, text});
 }
 
-Attribute* AppendAttribute(Tag& tag, std::string_view name, Value value, const char* propName, const char* propText) {
-  auto attribute = std::make_unique<Attribute>();
-  attribute->name = name;
-  attribute->value = std::move(value);
+Attribute* AppendWithProperty(Tag& tag, std::string_view name, Value value, const char* propName,
+                              const char* propText) {
+  Attribute* attribute = AppendAttribute(tag, name, std::move(value));
   if (propName) attribute->properties.push_back({propName, propText ? propText : ""});
-  tag.attributes.push_back(std::move(attribute));
-  return tag.attributes.back().get();
+  return attribute;
 }
 
 }  // namespace
@@ -154,16 +154,20 @@ Tag* AppendChild(Tag& tag, std::unique_ptr<Tag> child) {
   return tag.children.back().get();
 }
 
+Tag* AppendChild(Tag& tag, std::string_view name) {
+  auto child = std::make_unique<Tag>();
+  child->name = name;
+  return AppendChild(tag, std::move(child));
+}
+
 void SwapChildren(Tag& tag, std::size_t first, std::size_t second) {
   std::swap(tag.children[first], tag.children[second]);
   std::swap(tag.childMarks[first], tag.childMarks[second]);
 }
 
 Tag* GetOrAddChild(Tag& tag, std::string_view name) {
-  if (Tag* child = FindChild(tag, name)) return child;
-  auto child = std::make_unique<Tag>();
-  child->name = name;
-  return AppendChild(tag, std::move(child));
+  Tag* child = FindChild(tag, name);
+  return child ? child : AppendChild(tag, name);
 }
 
 Tag* SetChildValue(Tag& tag, std::string_view name, Value value) {
@@ -174,9 +178,18 @@ Tag* SetChildValue(Tag& tag, std::string_view name, Value value) {
 
 void SetTagValue(Tag& tag, Value value) { tag.value = std::move(value); }
 
+Attribute* AppendAttribute(Tag& tag, std::string_view name, Value value) {
+  if (tag.attributes.empty()) tag.attributes.reserve(kUsualAttributes);
+  tag.attributes.push_back(std::make_unique<Attribute>());
+  Attribute* attribute = tag.attributes.back().get();
+  attribute->name = name;
+  attribute->value = std::move(value);
+  return attribute;
+}
+
 Attribute* SetAttribute(Tag& tag, std::string_view name, Value value, const char* propName, const char* propText) {
   Attribute* attribute = FindAttribute(tag, name);
-  if (!attribute) return AppendAttribute(tag, name, std::move(value), propName, propText);
+  if (!attribute) return AppendWithProperty(tag, name, std::move(value), propName, propText);
   AssignValue(attribute->value, std::move(value));
   return attribute;
 }
@@ -232,7 +245,7 @@ const Tag& RootOf(const TagTree& tree) { return *tree.container.children.front()
 
 Attribute* SetPathAttribute(Tag& tag, std::string_view name, Value value, const char* propName, const char* propText) {
   Attribute* attribute = FindAttribute(tag, name);
-  if (!attribute) return AppendAttribute(tag, name, std::move(value), propName, propText);
+  if (!attribute) return AppendWithProperty(tag, name, std::move(value), propName, propText);
   AssignValue(attribute->value, std::move(value));
   if (propName && propText) OverwriteProperty(attribute->properties, propName, propText);
   return attribute;

@@ -84,6 +84,8 @@ Attribute* AttributeAt(const Tag& tag, std::size_t index);
 
 // Appends `child`, whatever its name; the tag becomes a parent. The new child, owned by `tag`.
 Tag* AppendChild(Tag& tag, std::unique_ptr<Tag> child);
+// The same with a new tag of that name.
+Tag* AppendChild(Tag& tag, std::string_view name);
 // Exchanges the children at two valid indexes.
 void SwapChildren(Tag& tag, std::size_t first, std::size_t second);
 // FindChild, or a new last child without a value.
@@ -92,6 +94,8 @@ Tag* GetOrAddChild(Tag& tag, std::string_view name);
 Tag* SetChildValue(Tag& tag, std::string_view name, Value value);
 void SetTagValue(Tag& tag, Value value);
 
+// Appends an attribute without looking for one of that name. The attribute, owned by `tag`.
+Attribute* AppendAttribute(Tag& tag, std::string_view name, Value value);
 // Replaces the value of an existing attribute (None leaves it as it is) and then ignores the property; otherwise
 // appends an attribute with, when `propName` is not null, that one property. The attribute, owned by `tag`.
 Attribute* SetAttribute(Tag& tag, std::string_view name, Value value, const char* propName = nullptr,

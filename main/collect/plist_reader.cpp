@@ -2,12 +2,15 @@
 // costs one look at its own tag, however deep the tag lies.
 #include "main/collect/plist_reader.h"
 
+#include <algorithm>
 #include <array>
-#include <cstdio>
 #include <deque>
+#include <iterator>
 #include <optional>
 
 namespace {
+
+constexpr char kQuoteLead = '\xE2';  // the first byte of each typographic quotation mark in UTF-8
 
 // Whether a number stands directly under a data type's key or deeper.
 enum class Level { DataType, Nested };
@@ -65,18 +68,29 @@ std::optional<Value> ScalarValue(const PropertyList& node, Level level) {
   }
 }
 
-void EnterScalar(const PropertyList& node, const std::string& name, EntryPoint& place, Level level) {
-  if (std::optional<Value> value = ScalarValue(node, level)) SetPathAttribute(place.Resolve(), name, std::move(*value));
-}
-
 bool IsNamedList(const std::string& key) { return key == "spfirewall_applications" || key == "spfirewall_services"; }
 
-void EnterNode(const PropertyList& node, std::string name, EntryPoint& place) {
-  if (node.kind != PropertyListKind::Dictionary && node.kind != PropertyListKind::Array)
-    return EnterScalar(node, name, place, Level::Nested);
-  EntryPoint below(place, std::move(name));
+bool IsContainer(const PropertyList& node) {
+  return node.kind == PropertyListKind::Dictionary || node.kind == PropertyListKind::Array;
+}
+
+// Enters one value under a name; `newName` when nothing else in this walk has that name here.
+void EnterNode(const PropertyList& node, std::string_view name, bool newName, EntryPoint& place, Level level) {
+  if (!IsContainer(node)) {
+    if (std::optional<Value> value = ScalarValue(node, level)) place.SetValue(name, newName, std::move(*value));
+    return;
+  }
+  EntryPoint below(place, name, newName);
   if (node.kind == PropertyListKind::Dictionary) return EnterDictionary(node, below);
   EnterArray(node, below);
+}
+
+bool IsSpecial(char c) { return c == '\'' || c == ' ' || c == '/' || c == ',' || c == kQuoteLead; }
+
+// The key as a name; `room` holds it where it differs from the key.
+std::string_view NameOfKey(const std::string& key, std::string& room) {
+  if (std::none_of(key.begin(), key.end(), IsSpecial)) return key;
+  return room = SanitizeKey(key);
 }
 
 bool IsSkippedKey(const std::string& key) {
@@ -84,15 +98,10 @@ bool IsSkippedKey(const std::string& key) {
 }
 
 void EnterDataType(const PropertyList& result, EntryPoint& place) {
-  for (std::size_t i = 0; i < result.items.size(); ++i) {
-    if (IsSkippedKey(result.keys[i])) continue;
-    const PropertyList& node = result.items[i];
-    const bool container = node.kind == PropertyListKind::Dictionary || node.kind == PropertyListKind::Array;
-    if (container)
-      EnterNode(node, SanitizeKey(result.keys[i]), place);
-    else
-      EnterScalar(node, SanitizeKey(result.keys[i]), place, Level::DataType);
-  }
+  std::string room;
+  for (std::size_t i = 0; i < result.items.size(); ++i)
+    if (!IsSkippedKey(result.keys[i]))
+      EnterNode(result.items[i], NameOfKey(result.keys[i], room), false, place, Level::DataType);
 }
 
 // The data type's name is a path of its own: each "/" in it begins another tag.
@@ -101,19 +110,24 @@ void EnterResult(const PropertyList& result, std::string_view dataType, TagTree&
   path.emplace_back(RootOf(rawTree));
   for (std::size_t slash = dataType.find('/'); slash != std::string_view::npos; slash = dataType.find('/')) {
     EntryPoint& last = path.back();
-    path.emplace_back(last, std::string(dataType.substr(0, slash)));
+    path.emplace_back(last, dataType.substr(0, slash), false);
     dataType.remove_prefix(slash + 1);
   }
   EntryPoint& last = path.back();
-  path.emplace_back(last, std::string(dataType));
+  path.emplace_back(last, dataType, false);
   EnterDataType(result, path.back());
 }
 
-// The offset in minutes of a zone such as "+0530"; digits past the fourth do not count.
-unsigned ZoneMinutes(std::string_view digits) {
-  unsigned hours = 0, minutes = 0;
-  std::sscanf(std::string(digits.substr(0, 4)).c_str(), "%2u%2u", &hours, &minutes);
-  return hours * 60 + minutes;
+// The offset in minutes of a zone such as "+0530" without its sign; digits past the fourth do not count. 0 for a zone of
+// anything else.
+unsigned ZoneMinutes(std::string_view zone) {
+  unsigned digits[4] = {};
+  if (zone.size() < std::size(digits)) return 0;
+  for (std::size_t i = 0; i < std::size(digits); ++i) {
+    if (zone[i] < '0' || zone[i] > '9') return 0;
+    digits[i] = static_cast<unsigned>(zone[i] - '0');
+  }
+  return (digits[0] * 10 + digits[1]) * 60 + digits[2] * 10 + digits[3];
 }
 
 struct Entity {
@@ -123,6 +137,25 @@ struct Entity {
 constexpr Entity kEntities[] = {{'&', "&amp;"}, {'\'', "&apos;"}, {'<', "&lt;"}, {'>', "&gt;"}};
 
 }  // namespace
+
+Tag& EntryPoint::Resolve() {
+  if (tag_) return *tag_;
+  Tag& parent = parent_->Resolve();
+  if (!(newName_ && parent_->made_)) tag_ = FindChild(parent, name_);
+  if (!tag_) {
+    tag_ = AppendChild(parent, name_);
+    made_ = true;
+  }
+  return *tag_;
+}
+
+void EntryPoint::SetValue(std::string_view name, bool newName, Value value) {
+  Tag& tag = Resolve();
+  if (newName && made_)
+    AppendAttribute(tag, name, std::move(value));
+  else
+    SetPathAttribute(tag, name, std::move(value));
+}
 
 void EnterProfilerData(const PropertyList& list, TagTree& rawTree) {
   if (list.kind != PropertyListKind::Array) return;
@@ -134,27 +167,31 @@ void EnterProfilerData(const PropertyList& list, TagTree& rawTree) {
 }
 
 void EnterDictionary(const PropertyList& dictionary, EntryPoint& place) {
+  std::string room;
   for (std::size_t i = 0; i < dictionary.items.size(); ++i) {
     const PropertyList& node = dictionary.items[i];
+    const std::string_view name = NameOfKey(dictionary.keys[i], room);
     if (node.kind == PropertyListKind::Dictionary && IsNamedList(dictionary.keys[i])) {
-      EntryPoint below(place, SanitizeKey(dictionary.keys[i]));
+      EntryPoint below(place, name, false);
       EnterNamedList(node, below);
     } else {
-      EnterNode(node, SanitizeKey(dictionary.keys[i]), place);
+      EnterNode(node, name, false, place, Level::Nested);
     }
   }
 }
 
 void EnterArray(const PropertyList& array, EntryPoint& place) {
-  for (std::size_t i = 0; i < array.items.size(); ++i) EnterNode(array.items[i], "item" + std::to_string(i), place);
+  for (std::size_t i = 0; i < array.items.size(); ++i)
+    EnterNode(array.items[i], "item" + std::to_string(i), true, place, Level::Nested);
 }
 
 void EnterNamedList(const PropertyList& dictionary, EntryPoint& place) {
   for (std::size_t k = 0; k < dictionary.items.size(); ++k) {
     if (dictionary.items[k].kind != PropertyListKind::Text) continue;
-    EntryPoint entry(place, "item" + std::to_string(k));
-    SetPathAttribute(entry.Resolve(), "_name", MakeTextValue(dictionary.keys[k]));
-    SetPathAttribute(entry.Resolve(), "value", MakeTextValue(dictionary.items[k].text));
+    const std::string name = "item" + std::to_string(k);
+    EntryPoint entry(place, name, true);
+    entry.SetValue("_name", false, MakeTextValue(dictionary.keys[k]));
+    entry.SetValue("value", false, MakeTextValue(dictionary.items[k].text));
   }
 }
 
@@ -175,8 +212,10 @@ std::string FormatDate(double seconds, DateForm form) {
   std::string text = FormatLocalTime(seconds, form);
   const std::size_t blank = text.rfind(' ');
   if (form == DateForm::Short || blank == std::string::npos || blank + 1 >= text.size()) return text;
-  const std::string zone = text.substr(blank + 1);
-  return text.substr(0, blank) + zone[0] + std::to_string(ZoneMinutes(std::string_view(zone).substr(1)));
+  const unsigned minutes = ZoneMinutes(std::string_view(text).substr(blank + 2));
+  text.erase(blank, 1);  // the sign takes the blank's place
+  text.resize(blank + 1);
+  return text += std::to_string(minutes);
 }
 
 std::string EscapeXmlText(std::string text) {

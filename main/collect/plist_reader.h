@@ -12,17 +12,23 @@
 // enters nothing.
 void EnterProfilerData(const PropertyList& list, TagTree& rawTree);
 
-// A place in the tree whose tag is made, if need be, when the first value is entered at or below it.
+// A place in the tree that a walker fills. Its tag is made, if need be, when the first value is entered at or below it,
+// and is held on to from then on. Names that the walker knows to be new here need no search in a tag that it has made.
 class EntryPoint {
  public:
   explicit EntryPoint(Tag& tag) : tag_(&tag) {}
-  EntryPoint(EntryPoint& parent, std::string name) : parent_(&parent), name_(std::move(name)) {}
-  Tag& Resolve() { return tag_ ? *tag_ : *(tag_ = GetOrAddChild(parent_->Resolve(), name_)); }
+  EntryPoint(EntryPoint& parent, std::string_view name, bool newName)
+      : parent_(&parent), name_(name), newName_(newName) {}
+
+  Tag& Resolve();
+  void SetValue(std::string_view name, bool newName, Value value);
 
  private:
   EntryPoint* parent_ = nullptr;
-  std::string name_;
+  std::string_view name_;  // the caller's
+  bool newName_ = false;
   Tag* tag_ = nullptr;
+  bool made_ = false;  // by this place, and so by its walker alone
 };
 
 void EnterDictionary(const PropertyList& dictionary, EntryPoint& place);
