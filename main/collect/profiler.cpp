@@ -2,6 +2,8 @@
 // which are cut off by length, unread.
 #include "main/collect/profiler.h"
 
+#include <vector>
+
 #include "main/collect/command_runner.h"
 #include "main/console/console_log.h"
 
@@ -79,12 +81,20 @@ std::string RunProfilerType(const char* dataType, ProfilerPosition position) {
 }
 
 std::string CollectProfilerData(bool silent) {
-  std::string document;
+  std::vector<std::string> pieces;
+  std::size_t size = 0;
   for (std::size_t i = 0; i < kDataTypeCount; ++i) {
     const ProfilerPosition position = PositionOf(i);
-    const std::string piece = RunProfilerType(kDataTypes[i].name, position);
-    document += piece.empty() ? LastResort(position) : piece;
+    pieces.push_back(RunProfilerType(kDataTypes[i].name, position));
+    if (pieces.back().empty()) pieces.back() = LastResort(position);
+    size += pieces.back().size();
     if (silent && kDataTypes[i].percent) LogLine("%d%%\n", kDataTypes[i].percent);
+  }
+  std::string document;
+  document.reserve(size);
+  for (std::string& piece : pieces) {
+    document += piece;
+    piece = std::string();
   }
   return document;
 }
