@@ -178,7 +178,7 @@ PropertyList ParseByLibplist(const std::string& document, bool binary) {
 
 }  // namespace
 
-PropertyList ParseDocument(std::string document) {
+PropertyList ParseDocument(const std::string& document) {
   if (document.empty() || document.size() > UINT32_MAX) return PropertyList();
   const bool binary = IsBinaryPropertyList(document);
   if (!binary)

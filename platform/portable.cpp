@@ -101,7 +101,8 @@ std::optional<ProcessTable> MachineProcesses() {
 }  // namespace
 
 PropertyList ParsePropertyList(std::string document) {
-  PropertyList list = ParseDocument(std::move(document));
+  PropertyList list = ParseDocument(document);
+  document = std::string();
   return list.kind == PropertyListKind::Array ? std::move(list) : PropertyList();
 }
 

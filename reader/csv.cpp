@@ -46,7 +46,7 @@ std::optional<Column> FindColumn(const std::string& name) {
 }
 
 std::string Field(std::string_view text) {
-  const std::string clean = CleanUtf8(text);
+  std::string clean = CleanUtf8(text);
   if (clean.find_first_of(",\"\r\n") == std::string::npos) return clean;
   std::string field = "\"";
   for (const char c : clean) field += c == '"' ? std::string("\"\"") : std::string(1, c);

@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <functional>
 #include <string>
 #include <vector>
@@ -105,7 +106,7 @@ int Show(const Arguments& arguments) {
   ShowOptions options = arguments.show;
   options.colour = isatty(STDOUT_FILENO) && !std::getenv("NO_COLOR");
   return ForEachFile(arguments, [&options](const Document& document, std::string& trouble) {
-    const std::string text = ShowText(document, options);
+    std::string text = ShowText(document, options);
     if (text.empty() && !options.path.empty()) trouble = "holds nothing at " + Printable(options.path);
     return text;
   });
@@ -225,9 +226,7 @@ void AddOptions(CLI::App& app, const Command& command, Arguments& arguments) {
   }
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int Run(int argc, char** argv) {
   CLI::App app("Reads INV files, the scan results of quillagent. It never changes one.", "quillinv");
   app.require_subcommand(1);
   app.footer("\"quillinv COMMAND --help\" shows a command's options and examples.");
@@ -247,4 +246,15 @@ int main(int argc, char** argv) {
   if (std::fflush(stdout) == 0 && !std::ferror(stdout)) return status;
   Complain("standard output", "could not be written");
   return kTrouble;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return Run(argc, argv);
+  } catch (const std::exception& error) {  // memory that ran out
+    std::fprintf(stderr, "quillinv: %s\n", error.what());
+    return kTrouble;
+  }
 }

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <memory>
 
 const char kPlatformUuidCommand[] =
     "ioreg -rd1 -c IOPlatformExpertDevice | awk '/IOPlatformUUID/ { split($0, line, \"\\\"\"); "
@@ -13,12 +14,10 @@ namespace {
 constexpr std::size_t kOutputLimit = std::size_t{256} << 20;
 constexpr int kFirstReadAttempts = 3;
 
-// Appends up to `chunkSize` bytes of the stream to `output`; the number of bytes read.
-std::size_t ReadChunk(std::FILE* stream, std::size_t chunkSize, std::string& output) {
-  const std::size_t before = output.size();
-  output.resize(before + chunkSize);
-  const std::size_t count = std::fread(&output[before], 1, chunkSize, stream);
-  output.resize(before + count);
+// Reads up to `size` bytes of the stream into `chunk` and appends them to `output`; the number of bytes read.
+std::size_t ReadChunk(std::FILE* stream, char* chunk, std::size_t size, std::string& output) {
+  const std::size_t count = std::fread(chunk, 1, size, stream);
+  output.append(chunk, count);
   return count;
 }
 
@@ -28,11 +27,12 @@ std::string RunCommand(const std::string& command, std::size_t chunkSize) {
   std::FILE* stream = popen(command.c_str(), "r");
   std::string output;
   if (!stream) return output;
+  const std::unique_ptr<char[]> chunk(new char[chunkSize]);
   std::size_t count = 0;
   for (int attempt = 0; attempt < kFirstReadAttempts && count == 0; ++attempt)
-    count = ReadChunk(stream, chunkSize, output);
+    count = ReadChunk(stream, chunk.get(), chunkSize, output);
   while (count == chunkSize && output.size() <= kOutputLimit && !std::feof(stream))
-    count = ReadChunk(stream, chunkSize, output);
+    count = ReadChunk(stream, chunk.get(), chunkSize, output);
   pclose(stream);
   if (output.size() > kOutputLimit) output.clear();
   return output;
@@ -47,8 +47,9 @@ std::string ReadWholeFile(const std::string& path, std::size_t& outLength) {
   const long end = std::ftell(file);
   std::fseek(file, 0, SEEK_SET);
   const std::size_t size = end > 0 ? static_cast<std::size_t>(end) : 0;
+  char chunk[1024];
   while ((size == 0 || text.size() < size) && !std::feof(file) && !std::ferror(file))
-    ReadChunk(file, size ? std::min<std::size_t>(size - text.size(), 65536) : 1024, text);
+    ReadChunk(file, chunk, size ? std::min(size - text.size(), sizeof chunk) : sizeof chunk, text);
   outLength = size ? size : text.size();
   if (size) text.resize(std::min(text.find('\0'), text.size()));
   return text;

@@ -118,8 +118,8 @@ void EnterResult(const PropertyList& result, std::string_view dataType, TagTree&
   EnterDataType(result, path.back());
 }
 
-// The offset in minutes of a zone such as "+0530" without its sign; digits past the fourth do not count. 0 for a zone of
-// anything else.
+// The offset in minutes of a zone such as "+0530" without its sign; digits past the fourth do not count. 0 for a zone
+// of anything else.
 unsigned ZoneMinutes(std::string_view zone) {
   unsigned digits[4] = {};
   if (zone.size() < std::size(digits)) return 0;
