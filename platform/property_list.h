@@ -68,3 +68,9 @@ inline const PropertyList* FindKey(const PropertyList* node, std::string_view ke
 inline const PropertyList* FirstElement(const PropertyList* node) {
   return node && node->kind == PropertyListKind::Array && !node->items.empty() ? &node->items.front() : nullptr;
 }
+
+// The text under `key`; null when `node` is null, no dictionary, or has no text there. Owned by `node`.
+inline const std::string* FindText(const PropertyList* node, std::string_view key) {
+  const PropertyList* value = FindKey(node, key, PropertyListKind::Text);
+  return value ? &value->text : nullptr;
+}

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <cerrno>
 #include <cstdlib>
 #include <fstream>
 
@@ -9,6 +11,7 @@
 #include "main/collect/process_list.h"
 #include "main/collect/profiler.h"
 #include "main/console/console_log.h"
+#include "main/console/panic_log.h"
 #include "platform/platform.h"
 #include "tests/support.h"
 
@@ -44,6 +47,24 @@ TEST(Console, FormatsOfEveryLength) {
   FormatToString(text, "%5000d", 7);
   EXPECT_EQ(text.size(), 5000u);
   EXPECT_EQ(MeasureFormat("%d-%s", 12, "abc"), 6);
+}
+
+TEST(Console, PanicRecordsAddUp) {
+  Tools folder;
+  char before[4096];
+  ASSERT_NE(getcwd(before, sizeof before), nullptr);
+  ASSERT_EQ(chdir(folder.Folder().c_str()), 0);
+  testing::internal::CaptureStderr();
+  WritePanic("a.cpp", 7, -1, ENOENT, "lost");
+  WritePanic("b.cpp", 8, 2, 0, nullptr);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "Error at Line: 7;\nErrnum: 2;\nFile name: a.cpp;\nMessage: lost;\n Code: -1;\n"
+            "Error at Line: 8;\nErrnum: 0;\nFile name: b.cpp;\nMessage: ;\n Code: 2;\n");
+  EXPECT_EQ(
+      RunCommand("sed 's/Time: [1-9][0-9]*,/Time,/; s/(.*)/()/' panic.log", 100),
+      "PANIC EXIT. Application: quillagent, Time, File: a.cpp, Line: 7, Code: #-1, Error: #2 (), Message: \"lost\"\n"
+      "PANIC EXIT. Application: quillagent, Time, File: b.cpp, Line: 8, Code: #2, Error: #0 (), Message: \"\"\n");
+  EXPECT_EQ(chdir(before), 0);
 }
 
 // A profiler that prints a document of `size` bytes, with a mark for each cut.

@@ -9,11 +9,6 @@
 
 namespace {
 
-const std::string* TextUnder(const PropertyList* dictionary, const char* key) {
-  const PropertyList* text = FindKey(dictionary, key, PropertyListKind::Text);
-  return text ? &text->text : nullptr;
-}
-
 std::optional<double> NumberUnder(const PropertyList* dictionary, const char* key) {
   const PropertyList* number = FindKey(dictionary, key, PropertyListKind::Number);
   if (!number) return std::nullopt;
@@ -21,7 +16,7 @@ std::optional<double> NumberUnder(const PropertyList* dictionary, const char* ke
 }
 
 void CopyText(const PropertyList* dictionary, const char* key, std::string& field) {
-  if (const std::string* text = TextUnder(dictionary, key)) field = *text;
+  if (const std::string* text = FindText(dictionary, key)) field = *text;
 }
 
 std::string Unsigned(double number) { return std::to_string(TruncateToUint32(number)); }
@@ -58,8 +53,8 @@ void SplitSystemVersion(const std::string& version, AssetSummary& summary) {
 void CollectSoftware(const PropertyList& list, AssetSummary& summary) {
   const PropertyList* software = FirstElement(FindItems(list, "SPSoftwareDataType"));
   CopyText(software, "local_host_name", summary.localHostName);
-  if (const std::string* userName = TextUnder(software, "user_name")) summary.userName = ShortUserName(*userName);
-  if (const std::string* version = TextUnder(software, "os_version")) SplitSystemVersion(*version, summary);
+  if (const std::string* userName = FindText(software, "user_name")) summary.userName = ShortUserName(*userName);
+  if (const std::string* version = FindText(software, "os_version")) SplitSystemVersion(*version, summary);
 }
 
 void CollectProcessor(const PropertyList* hardware, AssetSummary& summary) {
@@ -67,11 +62,11 @@ void CollectProcessor(const PropertyList* hardware, AssetSummary& summary) {
   const std::optional<double> processors = NumberUnder(hardware, "number_processors");
   if (packages) summary.packages = Unsigned(*packages);
   if (packages && processors) summary.logicalProcessors = Unsigned(*processors * *packages);
-  if (const std::string* speed = TextUnder(hardware, "current_processor_speed")) {
+  if (const std::string* speed = FindText(hardware, "current_processor_speed")) {
     const auto gigahertz = static_cast<float>(NumberAtStart(speed->substr(0, speed->find(' '))));
     summary.processorSpeed = Unsigned(1000.0 * TruncateToUint32(gigahertz));  // deliberate: 2.66 GHz gives 2000
   }
-  if (const std::string* type = TextUnder(hardware, "cpu_type")) {
+  if (const std::string* type = FindText(hardware, "cpu_type")) {
     summary.processorType = *type;
     if (type->find("Intel") != std::string::npos) summary.processorMaker = "GenuineIntel";
   }
@@ -82,11 +77,11 @@ void CollectHardware(const PropertyList& list, AssetSummary& summary) {
   summary.platformUuid = RunCommand(kPlatformUuidCommand, kPlatformUuidChunk);
   if (summary.platformUuid.empty()) CopyText(hardware, "platform_UUID", summary.platformUuid);
   CollectProcessor(hardware, summary);
-  if (const std::string* model = TextUnder(hardware, "machine_model")) {
+  if (const std::string* model = FindText(hardware, "machine_model")) {
     summary.machineModel = *model;
     summary.systemMaker = "Apple Inc.";
   }
-  if (const std::string* memory = TextUnder(hardware, "physical_memory")) summary.physicalMemory = Megabytes(*memory);
+  if (const std::string* memory = FindText(hardware, "physical_memory")) summary.physicalMemory = Megabytes(*memory);
 }
 
 // The display marked as main, else the first one.
@@ -94,7 +89,7 @@ const PropertyList* MainDisplay(const PropertyList* adapter) {
   const PropertyList* displays = FindKey(adapter, "spdisplays_ndrvs", PropertyListKind::Array);
   if (!displays) return nullptr;
   for (const PropertyList& display : displays->items) {
-    const std::string* main = TextUnder(&display, "spdisplays_main");
+    const std::string* main = FindText(&display, "spdisplays_main");
     if (main && *main == "spdisplays_yes") return &display;
   }
   return FirstElement(displays);
@@ -112,10 +107,10 @@ std::string DiagonalOfEdid(const std::string& edid) {
 
 void CollectDisplay(const PropertyList& list, AssetSummary& summary) {
   const PropertyList* adapter = FirstElement(FindItems(list, "SPDisplaysDataType"));
-  if (const std::string* memory = TextUnder(adapter, "spdisplays_vram")) summary.videoMemory = Megabytes(*memory);
+  if (const std::string* memory = FindText(adapter, "spdisplays_vram")) summary.videoMemory = Megabytes(*memory);
   const PropertyList* display = MainDisplay(adapter);
   CopyText(display, "spdisplays_resolution", summary.displayResolution);
-  if (const std::string* edid = TextUnder(display, "_spdisplays_edid")) summary.displayDiagonal = DiagonalOfEdid(*edid);
+  if (const std::string* edid = FindText(display, "_spdisplays_edid")) summary.displayDiagonal = DiagonalOfEdid(*edid);
 }
 
 struct DiskTotals {
@@ -124,7 +119,7 @@ struct DiskTotals {
 };
 
 double SizeUnder(const PropertyList* dictionary, const char* key) {
-  const std::string* size = TextUnder(dictionary, key);
+  const std::string* size = FindText(dictionary, key);
   return size ? ParseSizeGB(*size) : 0.0;
 }
 

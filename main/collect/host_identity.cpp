@@ -8,8 +8,8 @@ namespace {
 
 const std::string& TextUnder(const PropertyList* dictionary, const char* key) {
   static const std::string empty;
-  const PropertyList* text = FindKey(dictionary, key, PropertyListKind::Text);
-  return text ? text->text : empty;
+  const std::string* text = FindText(dictionary, key);
+  return text ? *text : empty;
 }
 
 // The first address of a network service; null when it has none that is text.
