@@ -21,6 +21,7 @@ bool NamesContainer(std::string_view tag) {
 }
 
 constexpr std::size_t kTrailerSize = 32;
+constexpr std::size_t kBytesPerValue = 64;  // text and data count as further values: a text can be held many times
 
 // The objects of a binary property list: markers, lengths and references, each read only where the document has bytes.
 class BinaryObjects {
@@ -42,7 +43,10 @@ class BinaryObjects {
     std::size_t values = 0;  // 0 while unknown
     std::size_t height = 0;
     bool open = false;
+    bool dictionary = false;
+    bool holdsZero = false;  // UTF-16 text with a zero character: as a key it makes libplist abort
   };
+  enum Type : std::uint64_t { kData = 4, kAscii, kUtf16, kArray = 0xA, kSet = 0xC, kDictionary };
 
   std::uint64_t Number(std::uint64_t at, std::uint64_t size) const {
     std::uint64_t number = 0;
@@ -56,35 +60,63 @@ class BinaryObjects {
     return Number(table_ + object * offsetSize_, offsetSize_);
   }
 
-  // The references of the container at `at`; none when it is no container.
-  std::vector<std::uint64_t> References(std::uint64_t at) const {
+  // The marker of the object at `at`; `at` moves to its contents and `length` is how many of them there are. A length
+  // that leads out of the document is 0.
+  std::uint64_t ReadHead(std::uint64_t& at, std::uint64_t& length) const {
     const std::uint64_t marker = Number(at++, 1);
-    std::uint64_t length = marker & 0x0F;
-    if (marker > 0xFF || (marker >> 4 != 0xA && marker >> 4 != 0xC && marker >> 4 != 0xD)) return {};
+    length = marker & 0x0F;
     if (length == 0x0F) {
       const std::uint64_t size = std::uint64_t{1} << (Number(at++, 1) & 0x03);
       length = Number(at, size);
       at += size;
     }
-    if (length > document_.size()) return {};
-    if (marker >> 4 == 0xD) length *= 2;  // keys, then values
+    if (marker > 0xFF || length > document_.size()) length = 0;
+    return marker >> 4;
+  }
+
+  // The references of the container at `at`; none when it is no container.
+  std::vector<std::uint64_t> References(std::uint64_t at) const {
+    std::uint64_t length = 0;
+    const std::uint64_t type = ReadHead(at, length);
+    if (type != kArray && type != kSet && type != kDictionary) return {};
+    if (type == kDictionary) length *= 2;  // keys, then values
     std::vector<std::uint64_t> references;
     for (std::uint64_t i = 0; i < length; ++i) references.push_back(Number(at + i * referenceSize_, referenceSize_));
     return references;
   }
 
-  // Values below and including `object`, 0 when there are too many or they nest too deep.
+  // What the object at `at` counts for by itself, without what it refers to.
+  Total MeasureItself(std::uint64_t at) const {
+    Total total;
+    std::uint64_t length = 0;
+    const std::uint64_t type = ReadHead(at, length);
+    total.dictionary = type == kDictionary;
+    total.values = 1;
+    if (type != kData && type != kAscii && type != kUtf16) return total;
+    total.values += length / kBytesPerValue;
+    for (std::uint64_t i = 0; type == kUtf16 && i < length && !total.holdsZero; ++i)
+      total.holdsZero = Number(at + i * 2, 2) == 0;
+    return total;
+  }
+
+  // Values below and including `object`, 0 when it is not safe.
   std::size_t Measure(std::uint64_t object, std::size_t depth) {
     if (object >= count_) return 1;
     Total& total = totals_[object];
     if (total.open || depth + total.height > kMaxOpenContainers + 1) return 0;
     if (total.values) return total.values;
+    const std::uint64_t at = OffsetOf(object);
+    total = MeasureItself(at);
     total.open = true;
-    std::size_t values = 1, height = 0;
-    for (const std::uint64_t reference : References(OffsetOf(object))) {
-      const std::size_t below = Measure(reference, depth + 1);
+    std::size_t values = total.values, height = 0;
+    const std::vector<std::uint64_t> references = References(at);
+    for (std::size_t i = 0; i < references.size(); ++i) {
+      const std::size_t below = Measure(references[i], depth + 1);
       if (!below || (values += below) > kMaxBinaryValues) return 0;
-      if (reference < count_) height = std::max(height, totals_[reference].height + 1);
+      if (references[i] >= count_) continue;
+      const Total& held = totals_[references[i]];
+      if (total.dictionary && i < references.size() / 2 && held.holdsZero) return 0;
+      height = std::max(height, held.height + 1);
     }
     total.open = false;
     total.values = values;

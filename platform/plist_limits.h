@@ -13,6 +13,7 @@ bool IsBinaryPropertyList(std::string_view document);
 // CDATA and declarations do not count; the document need not be well-formed.
 bool XmlNestingIsSafe(std::string_view document);
 
-// True when a binary document's values, every reference followed, are at most kMaxBinaryValues, nest no deeper than
-// kMaxOpenContainers, and never hold themselves. References that lead nowhere are left to the parser.
+// True when a binary document's values, every reference followed, are at most kMaxBinaryValues (each 64 bytes of text
+// or data one more), nest no deeper than kMaxOpenContainers, never hold themselves, and no key in UTF-16 has a zero
+// character. References that lead nowhere are left to the parser.
 bool BinaryNestingIsSafe(std::string_view document);

@@ -105,6 +105,7 @@ class PlainXmlReader {
 
   std::optional<PropertyList> Read(std::string_view document) {
     if (!parser_ || document.size() > INT_MAX) return std::nullopt;
+    document_ = document;
     const auto status = XML_Parse(parser_.get(), document.data(), static_cast<int>(document.size()), XML_TRUE);
     if (tooDeep_) return PropertyList();
     if (status != XML_STATUS_OK || gaveUp_ || !hasRoot_) return std::nullopt;
@@ -172,8 +173,14 @@ class PlainXmlReader {
     return true;
   }
 
+  // Whether the text at hand is written as a reference such as "&#10;".
+  bool IsReference() const {
+    const auto at = static_cast<std::size_t>(XML_GetCurrentByteIndex(parser_.get()));
+    return at < document_.size() && document_[at] == '&';
+  }
+
   bool Append(std::string_view text) {
-    if (leaf_ == Element::None) return std::all_of(text.begin(), text.end(), IsBlank);
+    if (leaf_ == Element::None) return !IsReference() && std::all_of(text.begin(), text.end(), IsBlank);
     text_.append(text);
     return true;
   }
@@ -241,6 +248,7 @@ class PlainXmlReader {
   }
 
   std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser_;
+  std::string_view document_;
   std::vector<Open> open_;  // the innermost last
   std::vector<PropertyList> values_;
   std::vector<std::string> keys_;

@@ -139,6 +139,12 @@ TEST_F(PlatformContract, KnownDifferences) {
                          "\0\0\0\0\0\0\0\4\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\x16",
                          58)),
        "[SInt64 13, Float64 1.500000, '\xC3\xA9']", "[SInt64 13, Float32 1.500000, '\xC3\xA9']"},
+      // a key with a zero character, in binary
+      {Parse(std::string("bplist00\xA1\1\xD1\2\3\x62\0\xE9\0\0\x51x\x08\x0A\x0D\x12\0\0\0\0\0\0\1\1"
+                         "\0\0\0\0\0\0\0\4\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\x14",
+                         56)),
+       "null", std::string("[{\xC3\xA9\0: 'x'}]", 11)},
+      {ParseItems("<dict>&#10;</dict>"), "null", "[{}]"},
       {Parse("( a, b )"), "null", "['a', 'b']"},
       {Parse("<array/>x"), "null", "[]"},
       {Parse("<array/><array><true/></array>"), "[[true]]", "[]"},
