@@ -1,0 +1,155 @@
+"""Scans with the built agent while something goes wrong: each ends with status 0 and either a whole file or the one
+error line. docs/faults.md says what is lost in each case.
+"""
+import os
+import random
+import re
+import resource
+import shutil
+import subprocess
+import tempfile
+from xml.sax.saxutils import escape
+
+from agent import BUILD, SOURCE, expect, finish, read_inv
+
+HEAD = ('<?xml version="1.0" encoding="UTF-8"?>\n<!DOCTYPE plist PUBLIC "-//Apple//DTD PLIST 1.0//EN" '
+        '"http://www.apple.com/DTDs/PropertyList-1.0.dtd">\n<plist version="1.0">\n<array>\n')
+TAIL = "</array>\n</plist>\n"
+NOISE = random.Random(8).randbytes(5000).hex()  # deflated it takes more than one block of the file
+SPECIAL = "".join(map(chr, range(33, 127))) + "‘’‛ é\tx"
+TOOLS = {"User-accounts", "Processes", "Environment"}
+ALL = TOOLS | {"System", "Processors", "OS", "Software"}
+BIN = os.path.join(SOURCE, "replay", "bin")
+ANSWER = f'exec "{BIN}/system_profiler" "$@"'
+
+
+def document(name, item):
+    """One data type as the profiler prints it, with one item; a text that is no element becomes a string."""
+    keys = "".join(f"<key>{key}</key>" + (value if value[0] == "<" else f"<string>{value}</string>")
+                   for key, value in item.items())
+    return (f"{HEAD}<dict><key>_dataType</key><string>{name}</string><key>_items</key><array><dict>{keys}</dict>"
+            f"</array></dict>\n{TAIL}").encode()
+
+
+MAIL = document("SPApplicationsDataType", {"_name": "Mail", "info": NOISE})
+RECORDING = {
+    "computer-name.txt": b"Fault Mac\n", "users.txt": b"ann\n", "env.txt": b"LANG=C\n",
+    "dscl/ann.txt": b"\nNFSHomeDirectory: /Users/ann\nRecordName: ann\nRecordType: users\n",
+    "system_profiler/SPApplicationsDataType.xml": MAIL,
+    "system_profiler/SPSoftwareDataType.xml": document("SPSoftwareDataType", {"os_version": "OS X 10.9.5 (13F34)"}),
+    "system_profiler/SPHardwareDataType.xml": document("SPHardwareDataType", {"machine_model": "iMac11,1"}),
+}
+
+
+def write(path, content, mode=0o644):
+    os.makedirs(os.path.dirname(path), exist_ok=True)
+    with open(path, "wb") as file:
+        file.write(content)
+    os.chmod(path, mode)
+
+
+def sections(snapshot):
+    """The names of the root's children."""
+    names, depth = set(), 0
+    for line in snapshot.decode("latin-1").split("\n"):
+        if line[:1] in ("+", "*") and depth == 1:
+            names.add(line[1:].partition("=")[0])
+        depth += (line[:1] == "+") - (line == "-")
+    return names
+
+
+def attempt(name, want, script='exec "$AGENT"', apps=None, tool="", files=None, prepare=None, **more):
+    """All bodies, joined, of a scan by way of `script`; `apps` is the applications' document, `tool` what the profiler
+    does before it answers. Wanted is a file with the sections `want`, or for None the error line.
+    """
+    with tempfile.TemporaryDirectory() as top:
+        top = os.path.realpath(top)
+        os.chmod(top, 0o755)
+        recorded = {**RECORDING, **(files or {})}
+        if apps is not None:
+            recorded["system_profiler/SPApplicationsDataType.xml"] = apps
+        for path, content in recorded.items():
+            write(os.path.join(top, "recording", path), content)
+        write(os.path.join(top, "bin", "system_profiler"), f"#!/bin/sh\n{tool}\n{ANSWER}\n".encode(), 0o755)
+        agent = shutil.copy(os.path.join(BUILD, "quillagent"), top)
+        env = dict(os.environ, AGENT=agent, QUILL_RECORDING=f"{top}/recording", TOP=top,
+                   PATH=f"{top}/bin:{BIN}:{os.environ['PATH']}", **more.pop("env", {}))
+        work = os.path.join(top, "work")
+        os.mkdir(work)
+        with subprocess.Popen(["sh", "-c", script], cwd=work, env=env, stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                              stderr=subprocess.PIPE, **more) as child:
+            if prepare:
+                child.stdout.readline()
+                prepare(child)
+            errors = child.communicate(b"y\n")[1].decode(errors="replace")
+        expect(f"{name}: status", (child.returncode, "Sanitizer" in errors), (0, False))
+        found = [os.path.join(work, file) for file in os.listdir(work)] if os.path.isdir(work) else []
+        expect(f"{name}: number of files", len(found), 0 if want is None else 1)
+        if want is None or not found:
+            folder = work if os.path.isdir(work) else r"\."
+            line = re.search(rf"(?:^|\n)Cannot create file :{folder}/[^/]*_\.inv\n$", errors)
+            expect(f"{name}: error line at the end of {errors[-300:]!r}", line is not None, True)
+            return b""
+        bodies = dict(read_inv(found[0]))
+        expect(f"{name}: sections", sections(bodies.get("snapshot", b"")), want)
+        return b"".join(bodies.values())
+
+
+def at_most(kind, number):
+    return {"preexec_fn": lambda: resource.setrlimit(kind, (number, number))}
+
+
+def open_files(number):
+    return {"prepare": lambda child: resource.prlimit(child.pid, resource.RLIMIT_NOFILE, (number, number)),
+            "env": {"ASAN_OPTIONS": "detect_leaks=0"}}  # the leak check opens files
+
+
+ONLY_APPS = 'APPS=$QUILL_RECORDING/system_profiler/SPApplicationsDataType.xml; [ "$4" = SPApplicationsDataType ] || '
+attempt("nothing wrong", ALL)
+# Where the result goes.
+for size in (0, 1, 4095, 4096, 5000):
+    attempt(f"a disk that is full after {size} bytes", None, **at_most(resource.RLIMIT_FSIZE, size))
+FULL = "mount -t tmpfs -o size=8k none . && cd \"$PWD\" && head -c 4096 /dev/zero >some"
+if subprocess.call(["sh", "-c", f"exec unshare -m sh -c '{FULL}'"], cwd="/tmp", stderr=subprocess.DEVNULL) == 0:
+    attempt("a file system that is full", None, f"exec unshare -m sh -c '{FULL}; exec \"$AGENT\"'")
+attempt("a folder without write permission", None, 'chmod 555 . 2>/dev/null; exec "$AGENT"',
+        **({"user": 65534, "group": 65534} if os.geteuid() == 0 else {}))
+attempt("a folder that is gone", None, 'rmdir "$PWD" && exec "$AGENT"')
+attempt("a folder that goes while the scan runs", None, tool='rmdir "$TOP/work" 2>/dev/null')
+attempt("a computer name of 4 KB", None, files={"computer-name.txt": b"N" * 4096})
+# Standard streams and file descriptors.
+for streams in ("<&-", ">&-", "2>&-", "<&- >&- 2>&-", ">/dev/full", "2>/dev/full"):
+    attempt(f"standard streams {streams}", ALL, f'exec "$AGENT" -silent {streams}')
+attempt("a reader that goes away", ALL, prepare=lambda child: child.stdout.close())
+attempt("no file descriptor left", None, **open_files(3))
+attempt("file descriptors for files but not for tools", {"Processes"}, **open_files(4))
+# Tools.
+attempt("no tool at all", {"Processes"}, 'PATH=/nowhere exec "$AGENT"')
+attempt("a tool that dies", TOOLS, tool="kill -9 $$")
+attempt("a tool that dies in the middle", TOOLS, tool=f'{ONLY_APPS}{ANSWER}\nhead -c 5000 "$APPS"; kill -9 $$')
+attempt("a tool that only complains", TOOLS, tool="echo trouble >&2; exit 1")
+attempt("200 MB of output", ALL, tool=f'{ONLY_APPS}{ANSWER}\nhead -c 172 "$APPS"; head -c 200000000 /dev/zero | '
+        'tr "\\0" " "; tail -c +173 "$APPS"; exit')
+attempt("output without end", ALL - {"Software"}, tool='[ "$4" != SPApplicationsDataType ] || exec yes')
+# One document of the 23.
+for name, apps in (("cut", MAIL[:len(MAIL) // 2]), ("one line short", MAIL[:-9]), ("text", b"x" * 300),
+                   ("bytes", random.Random(1).randbytes(999)), ("zero bytes", bytes(999)),
+                   ("in UTF-16", MAIL.decode().encode("utf-16")),
+                   ("nested 100,000 deep", MAIL.replace(b"<dict>", b"<dict>" * 100000))):
+    attempt(f"a document that is {name}", TOOLS, apps=apps)
+for name, apps in (("empty", b""), ("shorter than its frame", b"x" * 189), ("empty inside", (HEAD + TAIL).encode())):
+    attempt(f"a document that is {name}", ALL - {"Software"}, apps=apps)
+# Contents.
+for name in (b"Caf\xe9", b"N" * 4096, SPECIAL.encode()):
+    escaped = escape(name.decode("latin-1")).encode("latin-1")
+    got = attempt(f"an application called {name[:9]}", ALL, apps=MAIL.replace(b"Mail", escaped))
+    expect(f"the name {name[:9]}", b"=" + name + b"\n" in got, True)
+key = escape(SPECIAL)
+got = attempt("keys with special characters", ALL | {"Security"}, files={
+    "system_profiler/SPPowerDataType.xml": document("SPPowerDataType", {
+        "_name": "sppower_information", key: "<dict><key>Wake On LAN</key><string>Yes</string></dict>"}),
+    "system_profiler/SPFirewallDataType.xml": document("SPFirewallDataType", {
+        "spfirewall_services": f"<dict><key>{key}</key><string>spfirewall_block_all</string></dict>"})})
+for name in (SPECIAL, re.sub("[', /‘’‛]", "_", SPECIAL)):
+    expect(f"the key {name}", f":1={name}\n".encode() in got, True)
+finish()
