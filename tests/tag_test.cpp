@@ -92,6 +92,11 @@ TEST(Children, NextFreeNumberFillsTheFirstGap) {
   GetOrAddChild(tag, "Disk1");
   GetOrAddChild(tag, "Disk3");
   EXPECT_EQ(NextFreeNumber(tag, "Disk"), 2);
+  for (const char* name : {"Disk02", "Disk", "Disk2x", "Disk-2", "disk2", "Disk99999999999999999999"})
+    GetOrAddChild(tag, name);
+  EXPECT_EQ(NextFreeNumber(tag, "Disk"), 2);
+  GetOrAddChild(tag, "Disk2");
+  EXPECT_EQ(NextFreeNumber(tag, "Disk"), 4);
 }
 
 TEST(Copies, AreDeepAndCanReplaceTheirOwnSource) {

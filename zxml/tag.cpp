@@ -61,6 +61,19 @@ void TrimBlanks(std::string& text) {
   while (text.size() >= 2 && text.back() == ' ') text.pop_back();
 }
 
+// The number that `name` has behind `base`, written as "%d" writes it; 0 when it has none or one of over nine digits.
+std::size_t NumberBehind(std::string_view name, std::string_view base) {
+  if (name.substr(0, base.size()) != base) return 0;
+  const std::string_view digits = name.substr(base.size());
+  if (digits.empty() || digits.size() > 9 || digits[0] == '0') return 0;
+  std::size_t number = 0;
+  for (const char c : digits) {
+    if (c < '0' || c > '9') return 0;
+    number = number * 10 + static_cast<std::size_t>(c - '0');
+  }
+  return number;
+}
+
 void OverwriteProperty(std::vector<Property>& list, const char* name, const char* text) {
   for (Property& property : list) {
     if (property.name != name) continue;
@@ -209,9 +222,13 @@ const Property* FindProperty(const std::vector<Property>& list, std::string_view
 }
 
 int NextFreeNumber(const Tag& tag, std::string_view base) {
-  int n = 1;
-  while (FindChild(tag, std::string(base) + std::to_string(n))) ++n;
-  return n;
+  std::vector<bool> taken(tag.children.size() + 2);  // one of the numbers up to the count plus 1 is free
+  for (const auto& child : tag.children) {
+    const std::size_t number = NumberBehind(child->name, base);
+    if (number < taken.size()) taken[number] = true;
+  }
+  taken[0] = true;
+  return static_cast<int>(std::find(taken.begin(), taken.end(), false) - taken.begin());
 }
 
 void CopyTag(Tag& target, const Tag& source) {
