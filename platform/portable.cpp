@@ -57,9 +57,10 @@ std::string Digits(int number, std::size_t width) {
 
 // "<pid> <ppid> <name>", the name being the rest of the line.
 bool ParseRecordedProcess(const std::string& line, ProcessRecord& record) {
-  int nameAt = 0;
-  if (std::sscanf(line.c_str(), "%d %d %n", &record.pid, &record.parentPid, &nameAt) < 2 || nameAt == 0) return false;
-  record.name = line.substr(static_cast<std::size_t>(nameAt));
+  int end = 0;
+  if (std::sscanf(line.c_str(), "%d %d%n", &record.pid, &record.parentPid, &end) < 2) return false;
+  const auto nameAt = static_cast<std::size_t>(end) + 1;
+  record.name = nameAt < line.size() ? line.substr(nameAt) : std::string();
   return true;
 }
 

@@ -312,7 +312,7 @@ TEST(Processes, SkipTheKernelAndWhoeverIsGone) {
   Tools recording;
   setenv("QUILL_RECORDING", recording.Folder().c_str(), 1);
   std::ofstream(recording.Folder() + "/processes.txt")
-      << "9 1 Google Chrome He\n0 0 kernel_task\n\n8 1 gone\n7 1 wordless\n5 -1  led\n";
+      << "9 1 Google Chrome He\n0 0 kernel_task\n\n8 1 gone\n7 1 wordless\n5 -1 \tled\n";
   recording.Add("ps",
                 "case \"$*\" in '-p9 -o user= -o command=') echo 'ann   /App s/x -y ' ;; -p7*) echo x ;; -p5*) echo ' "
                 "b' ;; esac");
@@ -321,5 +321,5 @@ TEST(Processes, SkipTheKernelAndWhoeverIsGone) {
   unsetenv("QUILL_RECORDING");
   EXPECT_EQ(TextOfTree(tree),
             "+Macintosh=\n+Processes=\n*process:1=Google Chrome He\npid=9\nppid=1\nuser=ann\ncmd-line=/App s/x -y\n"
-            "*process:5=led\npid=5\nppid=-1\nuser=\ncmd-line=b\n-\n-\n");
+            "*process:5=\tled\npid=5\nppid=-1\nuser=\ncmd-line=b\n-\n-\n");
 }

@@ -1,5 +1,6 @@
 // Reads the asset summary from the profiler's property list: one small group of fields a function.
 #include <array>
+#include <cmath>
 #include <cstdio>
 #include <optional>
 
@@ -9,10 +10,11 @@
 
 namespace {
 
+// A whole number; of a fraction the part before the point.
 std::optional<double> NumberUnder(const PropertyList* dictionary, const char* key) {
   const PropertyList* number = FindKey(dictionary, key, PropertyListKind::Number);
   if (!number) return std::nullopt;
-  return IsFloating(number->numberType) ? number->real : static_cast<double>(number->integer);
+  return IsFloating(number->numberType) ? std::trunc(number->real) : static_cast<double>(number->integer);
 }
 
 void CopyText(const PropertyList* dictionary, const char* key, std::string& field) {
@@ -97,11 +99,9 @@ const PropertyList* MainDisplay(const PropertyList* adapter) {
 
 // Image size in the EDID's bytes 21 and 22, as digits behind "0x"; unreadable digits make both lengths 0.
 std::string DiagonalOfEdid(const std::string& edid) {
-  constexpr char kDigits[] = "0123456789abcdefABCDEF";
-  const std::string digits = edid.size() >= 48 ? edid.substr(44, 4) : std::string();
+  const std::string digits = edid.size() > 44 ? edid.substr(44, 4) : std::string();
   unsigned width = 0, height = 0;
-  if (!digits.empty() && digits.find_first_not_of(kDigits) == std::string::npos)
-    std::sscanf(digits.c_str(), "%2x%2x", &width, &height);
+  if (std::sscanf(digits.c_str(), "%2x%2x", &width, &height) != 2) width = height = 0;
   return Unsigned(static_cast<double>(DiagonalInches(width, height)));
 }
 
