@@ -124,6 +124,18 @@ TEST(PhysicalDisks, NumbersRunOverAllBuses) {
             "*partition:4=b;~file-sys=;-;-;-;");
 }
 
+// deliberate: both look the same in a file, but only the number is one
+TEST(PhysicalDisks, MediaTypeIsTextOnScsiAlone) {
+  const TagTree rawTree =
+      RawTree(DataType("SPParallelSCSIDataType", Item("", Items(Item("", Items(Item("size=1 GB")))))) +
+              DataType("SPNVMeDataType", Item("", Items(Item("size=1 GB")))));
+  TagTree tree = CreateTree(true, "Snapshot");
+  BuildPhysicalDisksSection(tree, rawTree);
+  const Tag* disks = FindChild(*FindChild(RootOf(tree), "Storage"), "Physical-disks");
+  EXPECT_EQ(FindAttribute(*FindChild(*disks, "HDD:1"), "mediatype")->value.kind, ValueKind::String);
+  EXPECT_EQ(FindAttribute(*FindChild(*disks, "HDD:2"), "mediatype")->value.kind, ValueKind::Int);
+}
+
 TEST(PhysicalDisks, CoreStorageVolumesInPlaceOfTheirPartitions) {
   std::string partitions;
   for (const char* name : {"disk0s2", "disk1s2", "disk2s2", "disk3s2"})
