@@ -107,10 +107,9 @@ void NormalScan(const ScanSettings& settings, bool silent, const std::string& cu
   if (settings.log) LogLine("Agent version: %s\n", kAgentVersion);
   Log(settings, "------Start Log------\n");
   Findings findings;
-  TagTree rawTree = Collect(settings, silent, currentIp, findings);
+  const TagTree rawTree = Collect(settings, silent, currentIp, findings);
   TagTree inventoryTree = BuildInventory(settings, rawTree, start, findings);
   InvFile inv = Pack(settings, std::move(inventoryTree), findings, login);
-  DestroyTree(rawTree);
 
   Log(settings, "VI. Generating File name....");
   const ResultPath path =

@@ -17,6 +17,8 @@ constexpr int kFirstReadAttempts = 3;
 // Reads up to `size` bytes of the stream into `chunk` and appends them to `output`; the number of bytes read.
 std::size_t ReadChunk(std::FILE* stream, char* chunk, std::size_t size, std::string& output) {
   const std::size_t count = std::fread(chunk, 1, size, stream);
+  // Growing fourfold copies long outputs less often than doubling; what is reserved and never used takes no memory.
+  if (output.capacity() - output.size() < count) output.reserve(output.capacity() * 4 + count);
   output.append(chunk, count);
   return count;
 }
@@ -24,18 +26,23 @@ std::size_t ReadChunk(std::FILE* stream, char* chunk, std::size_t size, std::str
 }  // namespace
 
 std::string RunCommand(const std::string& command, std::size_t chunkSize) {
-  std::FILE* stream = popen(command.c_str(), "r");
   std::string output;
-  if (!stream) return output;
+  AppendCommandOutput(command, chunkSize, output);
+  return output;
+}
+
+void AppendCommandOutput(const std::string& command, std::size_t chunkSize, std::string& output) {
+  std::FILE* stream = popen(command.c_str(), "r");
+  if (!stream) return;
+  const std::size_t start = output.size();
   const std::unique_ptr<char[]> chunk(new char[chunkSize]);
   std::size_t count = 0;
   for (int attempt = 0; attempt < kFirstReadAttempts && count == 0; ++attempt)
     count = ReadChunk(stream, chunk.get(), chunkSize, output);
-  while (count == chunkSize && output.size() <= kOutputLimit && !std::feof(stream))
+  while (count == chunkSize && output.size() - start <= kOutputLimit && !std::feof(stream))
     count = ReadChunk(stream, chunk.get(), chunkSize, output);
   pclose(stream);
-  if (output.size() > kOutputLimit) output.clear();
-  return output;
+  if (output.size() - start > kOutputLimit) output.resize(start);
 }
 
 std::string ReadWholeFile(const std::string& path, std::size_t& outLength) {

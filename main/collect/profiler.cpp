@@ -2,8 +2,6 @@
 // which are cut off by length, unread.
 #include "main/collect/profiler.h"
 
-#include <vector>
-
 #include "main/collect/command_runner.h"
 #include "main/console/console_log.h"
 
@@ -44,10 +42,22 @@ constexpr DataType kDataTypes[] = {
 constexpr std::size_t kDataTypeCount = sizeof kDataTypes / sizeof kDataTypes[0];
 static_assert(kDataTypeCount == 23);
 
-std::string RunUntilOutput(const std::string& command) {
-  std::string output;
-  for (int run = 0; run < kRuns && output.empty(); ++run) output = RunCommand(command, kChunkSize);
-  return output;
+// Runs the command until it adds something to `output`, or for the last time.
+void AppendUntilOutput(const std::string& command, std::string& output) {
+  const std::size_t start = output.size();
+  for (int run = 0; run < kRuns && output.size() == start; ++run) AppendCommandOutput(command, kChunkSize, output);
+}
+
+// Adds one data type's document to `document`, cut so that it fits its place.
+void AppendProfilerType(const char* dataType, ProfilerPosition position, std::string& document) {
+  const std::size_t start = document.size();
+  AppendUntilOutput(std::string("system_profiler -detailLevel full -xml ") + dataType, document);
+  const std::size_t head = position == ProfilerPosition::First ? 0 : kHeadSize;
+  const std::size_t tail = position == ProfilerPosition::Last ? 0 : kTailSize;
+  const std::size_t size = document.size() - start;
+  if (size < head + tail) return document.resize(start);
+  document.resize(document.size() - tail);
+  document.erase(start, head);
 }
 
 ProfilerPosition PositionOf(std::size_t index) {
@@ -71,32 +81,25 @@ const char* LastResort(ProfilerPosition position) {
 }  // namespace
 
 std::string RunProfilerType(const char* dataType, ProfilerPosition position) {
-  std::string piece = RunUntilOutput(std::string("system_profiler -detailLevel full -xml ") + dataType);
-  const std::size_t head = position == ProfilerPosition::First ? 0 : kHeadSize;
-  const std::size_t tail = position == ProfilerPosition::Last ? 0 : kTailSize;
-  if (piece.size() < head + tail) return std::string();
-  piece.resize(piece.size() - tail);
-  piece.erase(0, head);
+  std::string piece;
+  AppendProfilerType(dataType, position, piece);
   return piece;
 }
 
 std::string CollectProfilerData(bool silent) {
-  std::vector<std::string> pieces;
-  std::size_t size = 0;
+  std::string document;
   for (std::size_t i = 0; i < kDataTypeCount; ++i) {
     const ProfilerPosition position = PositionOf(i);
-    pieces.push_back(RunProfilerType(kDataTypes[i].name, position));
-    if (pieces.back().empty()) pieces.back() = LastResort(position);
-    size += pieces.back().size();
+    const std::size_t start = document.size();
+    AppendProfilerType(kDataTypes[i].name, position, document);
+    if (document.size() == start) document += LastResort(position);
     if (silent && kDataTypes[i].percent) LogLine("%d%%\n", kDataTypes[i].percent);
-  }
-  std::string document;
-  document.reserve(size);
-  for (std::string& piece : pieces) {
-    document += piece;
-    piece = std::string();
   }
   return document;
 }
 
-std::string RunWholeProfiler() { return RunUntilOutput("system_profiler -detailLevel full -xml"); }
+std::string RunWholeProfiler() {
+  std::string output;
+  AppendUntilOutput("system_profiler -detailLevel full -xml", output);
+  return output;
+}
