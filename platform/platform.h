@@ -1,5 +1,6 @@
 // What differs between a Mac and any other machine: five questions, no state. macos.cpp answers them with the system's
-// frameworks, portable.cpp with libplist, the C library's clock and a recorded Mac (or the machine it runs on).
+// frameworks, portable.cpp with expat and libplist, the C library's clock and a recorded Mac (or the machine it runs
+// on).
 #pragma once
 
 #include <cstdint>

@@ -1,5 +1,5 @@
-// The platform outside macOS: property lists come from libplist, time from the C library, and what a Mac's frameworks
-// would say from the recording named by QUILL_RECORDING, or else from the machine itself.
+// The platform outside macOS: property lists come from expat and libplist, time from the C library, and what a Mac's
+// frameworks would say from the recording named by QUILL_RECORDING, or else from the machine itself.
 #include <dirent.h>
 #include <sys/stat.h>
 #include <unistd.h>
