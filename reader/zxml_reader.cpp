@@ -104,12 +104,11 @@ void TakeAttribute(Reading& reading, std::string_view line) {
     tag = reading.open.back().tag;
   }
   auto [name, value] = SplitLine(reading, line);
-  auto attribute = std::make_unique<Attribute>();
-  attribute->name = std::move(name);
-  attribute->value.kind = ValueKind::String;
-  attribute->value.text = std::move(value);
-  reading.attribute = attribute.get();
-  tag->attributes.push_back(std::move(attribute));
+  Attribute& attribute = tag->attributes.Append();
+  attribute.name = std::move(name);
+  attribute.value.kind = ValueKind::String;
+  attribute.value.text = std::move(value);
+  reading.attribute = &attribute;
 }
 
 // False when the text has to be given up.

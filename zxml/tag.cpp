@@ -92,6 +92,27 @@ Attribute* AppendWithProperty(Tag& tag, std::string_view name, Value value, cons
 
 }  // namespace
 
+Attribute& AttributeList::Append() {
+  std::vector<Attribute>* block = later_.empty() ? &first_ : &later_.back();
+  if (size_ == 0 && first_.capacity() == 0) first_.reserve(kUsualAttributes);
+  if (block->size() == block->capacity()) {
+    block = &later_.emplace_back();
+    block->reserve(size_);
+  }
+  ++size_;
+  return block->emplace_back();
+}
+
+void AttributeList::Reserve(std::size_t count) {
+  if (size_ == 0) first_.reserve(count);
+}
+
+const Attribute& AttributeList::InLaterBlock(std::size_t index) const {
+  auto block = later_.begin();
+  for (; index >= block->size(); ++block) index -= block->size();
+  return (*block)[index];
+}
+
 Value MakeTextValue(const char* text) { return MakeTextValue(std::string(text ? text : "")); }
 
 Value MakeTextValue(std::string text) {
@@ -146,18 +167,22 @@ Tag* FindChild(const Tag& tag, std::string_view name) {
   return nullptr;
 }
 
-Attribute* FindAttribute(const Tag& tag, std::string_view name) {
-  for (const auto& attribute : tag.attributes)
-    if (attribute->name == name) return attribute.get();
+const Attribute* FindAttribute(const Tag& tag, std::string_view name) {
+  for (const Attribute& attribute : tag.attributes)
+    if (attribute.name == name) return &attribute;
   return nullptr;
+}
+
+Attribute* FindAttribute(Tag& tag, std::string_view name) {
+  return const_cast<Attribute*>(FindAttribute(std::as_const(tag), name));
 }
 
 Tag* ChildAt(const Tag& tag, std::size_t index) {
   return index < tag.children.size() ? tag.children[index].get() : nullptr;
 }
 
-Attribute* AttributeAt(const Tag& tag, std::size_t index) {
-  return index < tag.attributes.size() ? tag.attributes[index].get() : nullptr;
+const Attribute* AttributeAt(const Tag& tag, std::size_t index) {
+  return index < tag.attributes.size() ? &tag.attributes[index] : nullptr;
 }
 
 Tag* AppendChild(Tag& tag, std::unique_ptr<Tag> child) {
@@ -192,12 +217,10 @@ Tag* SetChildValue(Tag& tag, std::string_view name, Value value) {
 void SetTagValue(Tag& tag, Value value) { tag.value = std::move(value); }
 
 Attribute* AppendAttribute(Tag& tag, std::string_view name, Value value) {
-  if (tag.attributes.empty()) tag.attributes.reserve(kUsualAttributes);
-  tag.attributes.push_back(std::make_unique<Attribute>());
-  Attribute* attribute = tag.attributes.back().get();
-  attribute->name = name;
-  attribute->value = std::move(value);
-  return attribute;
+  Attribute& attribute = tag.attributes.Append();
+  attribute.name = name;
+  attribute.value = std::move(value);
+  return &attribute;
 }
 
 Attribute* SetAttribute(Tag& tag, std::string_view name, Value value, const char* propName, const char* propText) {
@@ -238,7 +261,7 @@ void CopyTag(Tag& target, const Tag& source) {
   copy.value = source.value;
   copy.properties = source.properties;
   copy.childMarks = source.childMarks;
-  for (const auto& attribute : source.attributes) copy.attributes.push_back(std::make_unique<Attribute>(*attribute));
+  copy.attributes = source.attributes;
   for (const auto& child : source.children) {
     copy.children.push_back(std::make_unique<Tag>());
     CopyTag(*copy.children.back(), *child);

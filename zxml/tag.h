@@ -33,6 +33,43 @@ struct Attribute {
   std::vector<Property> properties;
 };
 
+// The attributes of a tag in their order. They lie in blocks that never grow, so that no attribute ever moves.
+class AttributeList {
+ public:
+  class Iterator {
+   public:
+    Iterator(const AttributeList& list, std::size_t index) : list_(list), index_(index) {}
+    const Attribute& operator*() const { return list_[index_]; }
+    Iterator& operator++() { return ++index_, *this; }
+    bool operator!=(const Iterator& other) const { return index_ != other.index_; }
+
+   private:
+    const AttributeList& list_;
+    std::size_t index_;
+  };
+
+  std::size_t size() const { return size_; }
+  bool empty() const { return size_ == 0; }
+  // `index` must be below the count.
+  const Attribute& operator[](std::size_t index) const {
+    return index < first_.size() ? first_[index] : InLaterBlock(index - first_.size());
+  }
+  Iterator begin() const { return {*this, 0}; }
+  Iterator end() const { return {*this, size_}; }
+
+  // A new last attribute, empty.
+  Attribute& Append();
+  // Makes the first block fit that many; does nothing once there is an attribute.
+  void Reserve(std::size_t count);
+
+ private:
+  const Attribute& InLaterBlock(std::size_t index) const;
+
+  std::vector<Attribute> first_;
+  std::vector<std::vector<Attribute>> later_;
+  std::size_t size_ = 0;
+};
+
 // A tag turns from Leaf to Parent with its first child and never back.
 enum class TagKind : std::uint8_t { Container = 0, Leaf = 1, Parent = 2 };
 
@@ -41,7 +78,7 @@ struct Tag {
   std::string name;
   std::optional<Value> value;
   std::vector<Property> properties;
-  std::vector<std::unique_ptr<Attribute>> attributes;
+  AttributeList attributes;
   std::vector<std::unique_ptr<Tag>> children;  // changed only by AppendChild and SwapChildren
   std::vector<std::uint16_t> childMarks;       // one for each child, from its name: see FindChild
 };
@@ -77,10 +114,11 @@ const std::string& TextOf(const Tag* tag);
 
 // First child or attribute of that exact name, null when there is none. Owned by `tag`.
 Tag* FindChild(const Tag& tag, std::string_view name);
-Attribute* FindAttribute(const Tag& tag, std::string_view name);
+const Attribute* FindAttribute(const Tag& tag, std::string_view name);
+Attribute* FindAttribute(Tag& tag, std::string_view name);
 // The element at a 0-based index, null when the index is not below the count.
 Tag* ChildAt(const Tag& tag, std::size_t index);
-Attribute* AttributeAt(const Tag& tag, std::size_t index);
+const Attribute* AttributeAt(const Tag& tag, std::size_t index);
 
 // Appends `child`, whatever its name; the tag becomes a parent. The new child, owned by `tag`.
 Tag* AppendChild(Tag& tag, std::unique_ptr<Tag> child);

@@ -10,6 +10,7 @@
 
 namespace {
 
+constexpr std::size_t kMostUsualValues = 32;
 constexpr char kQuoteLead = '\xE2';  // the first byte of each typographic quotation mark in UTF-8
 
 // Whether a number stands directly under a data type's key or deeper.
@@ -80,7 +81,9 @@ void EnterNode(const PropertyList& node, std::string_view name, bool newName, En
     if (std::optional<Value> value = ScalarValue(node, level)) place.SetValue(name, newName, std::move(*value));
     return;
   }
-  EntryPoint below(place, name, newName);
+  const auto values =
+      std::count_if(node.items.begin(), node.items.end(), [](const auto& item) { return !IsContainer(item); });
+  EntryPoint below(place, name, newName, std::min(static_cast<std::size_t>(values), kMostUsualValues));
   if (node.kind == PropertyListKind::Dictionary) return EnterDictionary(node, below);
   EnterArray(node, below);
 }
@@ -144,6 +147,7 @@ Tag& EntryPoint::Resolve() {
   if (!(newName_ && parent_->made_)) tag_ = FindChild(parent, name_);
   if (!tag_) {
     tag_ = AppendChild(parent, name_);
+    tag_->attributes.Reserve(usualValues_);
     made_ = true;
   }
   return *tag_;

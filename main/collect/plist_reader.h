@@ -17,8 +17,8 @@ void EnterProfilerData(const PropertyList& list, TagTree& rawTree);
 class EntryPoint {
  public:
   explicit EntryPoint(Tag& tag) : tag_(&tag) {}
-  EntryPoint(EntryPoint& parent, std::string_view name, bool newName)
-      : parent_(&parent), name_(name), newName_(newName) {}
+  EntryPoint(EntryPoint& parent, std::string_view name, bool newName, std::size_t usualValues = 0)
+      : parent_(&parent), name_(name), newName_(newName), usualValues_(usualValues) {}
 
   Tag& Resolve();
   void SetValue(std::string_view name, bool newName, Value value);
@@ -27,6 +27,7 @@ class EntryPoint {
   EntryPoint* parent_ = nullptr;
   std::string_view name_;  // the caller's
   bool newName_ = false;
+  std::size_t usualValues_ = 0;  // how many values to make room for in a tag of its own
   Tag* tag_ = nullptr;
   bool made_ = false;  // by this place, and so by its walker alone
 };
