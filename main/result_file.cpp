@@ -35,13 +35,13 @@ std::string AddressPart(std::string macAddress) {
 
 ResultPath ChooseResultPath(const std::string& computerName, const std::string& macAddress) {
   const std::string name = NamePart(computerName), address = AddressPart(macAddress);
+  const std::string directory = WorkingDirectory();
   ResultPath path;
-  path.directory = WorkingDirectory();
   path.name = name + "_" + address + ".inv";
-  FormatToString(path.full, "%s/%s", path.directory.c_str(), path.name.c_str());
+  FormatToString(path.full, "%s/%s", directory.c_str(), path.name.c_str());
   for (int n = 1; FileExists(path.full); ++n) {
     FormatToString(path.name, "%s_%s(%d).inv", name.c_str(), address.c_str(), n);
-    FormatToString(path.full, "%s/%s", path.directory.c_str(), path.name.c_str());
+    FormatToString(path.full, "%s/%s", directory.c_str(), path.name.c_str());
   }
   return path;
 }

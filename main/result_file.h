@@ -6,9 +6,8 @@
 #include "zxml/INVfile.h"
 
 struct ResultPath {
-  std::string directory;  // the working directory
-  std::string name;       // the file's name alone
-  std::string full;       // both
+  std::string name;  // the file's name alone
+  std::string full;  // behind the working directory
 };
 
 // The first free name for a computer's result in the working directory: NAME_MAC.inv, NAME_MAC(1).inv, ...

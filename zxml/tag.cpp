@@ -3,7 +3,6 @@
 #include "zxml/tag.h"
 
 #include <algorithm>
-#include <cstring>
 #include <utility>
 
 namespace {
