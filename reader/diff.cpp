@@ -92,10 +92,10 @@ std::vector<const Tag*> TagsOf(const Comparison& comparison, const Tag& parent) 
 // Without those that only announce a child, which is compared itself.
 std::vector<const Attribute*> AttributesOf(const Comparison& comparison, const Tag& tag) {
   std::vector<const Attribute*> attributes;
-  for (const Attribute& attribute : tag.attributes)
-    if (!FindProperty(attribute.properties, "complex") &&
-        (comparison.all || !IsListed(kVolatileAttributes, attribute.name)))
-      attributes.push_back(&attribute);
+  for (const auto& attribute : tag.attributes)
+    if (!FindProperty(attribute->properties, "complex") &&
+        (comparison.all || !IsListed(kVolatileAttributes, attribute->name)))
+      attributes.push_back(attribute.get());
   return attributes;
 }
 

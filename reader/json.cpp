@@ -50,10 +50,10 @@ void WriteTag(JsonWriter& json, const Tag& tag, const std::string& path, std::in
   JsonField(json, "name", tag.name);
   JsonField(json, "value", TextOf(&tag));
   PropertiesField(json, tag.properties);
-  ListField(json, "attributes", tag.attributes, [&json](const Attribute& attribute) {
-    JsonField(json, "name", attribute.name);
-    JsonField(json, "value", TextOf(&attribute));
-    PropertiesField(json, attribute.properties);
+  ListField(json, "attributes", tag.attributes, [&json](const auto& attribute) {
+    JsonField(json, "name", attribute->name);
+    JsonField(json, "value", TextOf(attribute.get()));
+    PropertiesField(json, attribute->properties);
   });
   JsonClose(json, '}');
   for (const auto& child : tag.children) WriteTag(json, *child, path + "/" + child->name, position, count);

@@ -81,9 +81,9 @@ std::vector<const Attribute*> AttributesToShow(const Tag& tag) {
   std::set<std::string_view> children;
   for (const auto& child : tag.children) children.insert(child->name);
   std::vector<const Attribute*> attributes;
-  for (const Attribute& attribute : tag.attributes)
-    if (!FindProperty(attribute.properties, "complex") || !children.count(attribute.name))
-      attributes.push_back(&attribute);
+  for (const auto& attribute : tag.attributes)
+    if (!FindProperty(attribute->properties, "complex") || !children.count(attribute->name))
+      attributes.push_back(attribute.get());
   return attributes;
 }
 

@@ -15,9 +15,9 @@ void Collect(const Tag& tag, std::string_view path, std::vector<PathMatch>& matc
     }
   }
   // What a complex attribute announces is the child of its name.
-  for (const Attribute& attribute : tag.attributes)
-    if (path == attribute.name && !(isChild && FindProperty(attribute.properties, "complex")))
-      matches.push_back({&tag, &attribute});
+  for (const auto& attribute : tag.attributes)
+    if (path == attribute->name && !(isChild && FindProperty(attribute->properties, "complex")))
+      matches.push_back({&tag, attribute.get()});
 }
 
 }  // namespace

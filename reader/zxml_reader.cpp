@@ -104,7 +104,7 @@ void TakeAttribute(Reading& reading, std::string_view line) {
     tag = reading.open.back().tag;
   }
   auto [name, value] = SplitLine(reading, line);
-  Attribute& attribute = tag->attributes.Append();
+  Attribute& attribute = *tag->attributes.emplace_back(std::make_unique<Attribute>());
   attribute.name = std::move(name);
   attribute.value.kind = ValueKind::String;
   attribute.value.text = std::move(value);

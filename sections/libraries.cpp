@@ -10,8 +10,7 @@ namespace {
 
 void WriteBundle(TagTree& inventoryTree, const Bundle& bundle, const char* group) {
   TagTree information = CreateTree(false, "Version");
-  EntryPoint root(RootOf(information));
-  EnterDictionary(bundle.information, root);
+  EnterDictionary(bundle.information, RootOf(information));
   const Tag& keys = RootOf(information);
 
   const std::string& version = TextOfKey(keys, "CFBundleShortVersionString");

@@ -14,9 +14,9 @@ void AddJoined(const Tag& service, const char* key, Tag& adapter, const char* na
   const Tag* list = FindChild(service, key);
   if (!list || list->attributes.empty()) return;
   std::string joined;
-  for (const Attribute& element : list->attributes) {
-    if (&element != &list->attributes[0]) joined += ", ";
-    joined += TextOf(&element);
+  for (const auto& element : list->attributes) {
+    if (element != list->attributes.front()) joined += ", ";
+    joined += TextOf(element.get());
   }
   SetAttribute(adapter, name, MakeTextValue(std::move(joined)));
 }

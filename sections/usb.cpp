@@ -144,7 +144,7 @@ void AddStick(TagTree& inventoryTree, const Tag& item) {
   Tag* disks = GetOrAddInSection(inventoryTree, "Storage", "Physical-disks");
   Tag* stick = SetNamedChild(*disks, "Removable:" + std::to_string(NextFreeNumber(*disks, "Removable:")), item);
   SetAttribute(*stick, "media-type", MakeTextValue("2"));
-  for (const Attribute& attribute : item.attributes) SetStickAttribute(*stick, item, attribute);
+  for (const auto& attribute : item.attributes) SetStickAttribute(*stick, item, *attribute);
   SetAttribute(*stick, "interface", MakeTextValue("USB"));
   SetAttribute(*stick, "partitions", MakeIntValue(AddStickVolumes(inventoryTree, item)));
 }
@@ -152,11 +152,11 @@ void AddStick(TagTree& inventoryTree, const Tag& item) {
 void AddPeripheral(TagTree& inventoryTree, const Tag& item, int number) {
   Tag* devices = GetOrAddInSection(inventoryTree, "Peripherals", "USB");
   Tag* device = SetNamedChild(*devices, "Device:" + std::to_string(number), item);
-  for (const Attribute& attribute : item.attributes) {
-    if (WithoutLetter(attribute.name) == "device_speed")
-      SetPeripheralSpeed(*device, TextOf(&attribute));
+  for (const auto& attribute : item.attributes) {
+    if (WithoutLetter(attribute->name) == "device_speed")
+      SetPeripheralSpeed(*device, TextOf(attribute.get()));
     else
-      CopyListed(attribute, *device, kPeripheralCopies);
+      CopyListed(*attribute, *device, kPeripheralCopies);
   }
 }
 

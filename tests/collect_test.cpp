@@ -115,6 +115,15 @@ TEST(RawTree, TakesEveryKindOfValueByItsLevel) {
   EXPECT_EQ(FindAttribute(*RootOf(tree).children[0]->children[0], "big")->value.kind, ValueKind::String);
 }
 
+TEST(RawTree, DataTypeNamesOfMoreThan512SegmentsAreUnreadable) {
+  for (const std::size_t slashes : {511u, 512u, 1000000u}) {
+    SCOPED_TRACE(slashes);
+    const TagTree tree = RawTree("<dict><key>_dataType</key><string>" + std::string(slashes, '/') +
+                                 "</string><key>a</key><string>b</string></dict>");
+    EXPECT_EQ(RootOf(tree).children.size(), slashes < 512 ? 1u : 0u);
+  }
+}
+
 TEST(RawTree, NamedListsCountWhatTheySkip) {
   const std::string list =
       "<dict><key>A/b</key><string>v</string><key>n</key><integer>20</integer><key>c</key><string/></dict>";
@@ -152,8 +161,7 @@ TEST(RawTree, NumbersOfEveryStorageType) {
     number.integer = c.number;
     list.items = {number};
     TagTree tree = CreateTree(true, "R");
-    EntryPoint root(RootOf(tree));
-    EnterArray(list, root);
+    EnterArray(list, RootOf(tree));
     EXPECT_EQ(TextOfTree(tree), std::string("*R=\nitem0=") + c.text + "\n");
   }
 }

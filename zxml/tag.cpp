@@ -1,5 +1,6 @@
 // The operations of the tag tree. Every look-up is a scan in the order of insertion; long lists of children are scanned
-// over the packed marks of their names, which say at once which children cannot be meant.
+// over the packed marks of their names, which say at once which children cannot be meant. A map from names would have
+// to be kept in step with names that repeat and with children that change places, for the sake of a few long lists.
 #include "zxml/tag.h"
 
 #include <algorithm>
@@ -82,35 +83,16 @@ void OverwriteProperty(std::vector<Property>& list, const char* name, const char
   list.push_back({name, text});
 }
 
-Attribute* AppendWithProperty(Tag& tag, std::string_view name, Value value, const char* propName,
-                              const char* propText) {
-  Attribute* attribute = AppendAttribute(tag, name, std::move(value));
+Attribute* AppendAttribute(Tag& tag, std::string_view name, Value value, const char* propName, const char* propText) {
+  if (tag.attributes.capacity() == 0) tag.attributes.reserve(kUsualAttributes);
+  Attribute* attribute = tag.attributes.emplace_back(std::make_unique<Attribute>()).get();
+  attribute->name = name;
+  attribute->value = std::move(value);
   if (propName) attribute->properties.push_back({propName, propText ? propText : ""});
   return attribute;
 }
 
 }  // namespace
-
-Attribute& AttributeList::Append() {
-  std::vector<Attribute>* block = later_.empty() ? &first_ : &later_.back();
-  if (size_ == 0 && first_.capacity() == 0) first_.reserve(kUsualAttributes);
-  if (block->size() == block->capacity()) {
-    block = &later_.emplace_back();
-    block->reserve(size_);
-  }
-  ++size_;
-  return block->emplace_back();
-}
-
-void AttributeList::Reserve(std::size_t count) {
-  if (size_ == 0) first_.reserve(count);
-}
-
-const Attribute& AttributeList::InLaterBlock(std::size_t index) const {
-  auto block = later_.begin();
-  for (; index >= block->size(); ++block) index -= block->size();
-  return (*block)[index];
-}
 
 Value MakeTextValue(const char* text) { return MakeTextValue(std::string(text ? text : "")); }
 
@@ -167,8 +149,8 @@ Tag* FindChild(const Tag& tag, std::string_view name) {
 }
 
 const Attribute* FindAttribute(const Tag& tag, std::string_view name) {
-  for (const Attribute& attribute : tag.attributes)
-    if (attribute.name == name) return &attribute;
+  for (const auto& attribute : tag.attributes)
+    if (attribute->name == name) return attribute.get();
   return nullptr;
 }
 
@@ -181,7 +163,7 @@ Tag* ChildAt(const Tag& tag, std::size_t index) {
 }
 
 const Attribute* AttributeAt(const Tag& tag, std::size_t index) {
-  return index < tag.attributes.size() ? &tag.attributes[index] : nullptr;
+  return index < tag.attributes.size() ? tag.attributes[index].get() : nullptr;
 }
 
 Tag* AppendChild(Tag& tag, std::unique_ptr<Tag> child) {
@@ -215,16 +197,9 @@ Tag* SetChildValue(Tag& tag, std::string_view name, Value value) {
 
 void SetTagValue(Tag& tag, Value value) { tag.value = std::move(value); }
 
-Attribute* AppendAttribute(Tag& tag, std::string_view name, Value value) {
-  Attribute& attribute = tag.attributes.Append();
-  attribute.name = name;
-  attribute.value = std::move(value);
-  return &attribute;
-}
-
 Attribute* SetAttribute(Tag& tag, std::string_view name, Value value, const char* propName, const char* propText) {
   Attribute* attribute = FindAttribute(tag, name);
-  if (!attribute) return AppendWithProperty(tag, name, std::move(value), propName, propText);
+  if (!attribute) return AppendAttribute(tag, name, std::move(value), propName, propText);
   AssignValue(attribute->value, std::move(value));
   return attribute;
 }
@@ -260,7 +235,7 @@ void CopyTag(Tag& target, const Tag& source) {
   copy.value = source.value;
   copy.properties = source.properties;
   copy.childMarks = source.childMarks;
-  copy.attributes = source.attributes;
+  for (const auto& attribute : source.attributes) copy.attributes.push_back(std::make_unique<Attribute>(*attribute));
   for (const auto& child : source.children) {
     copy.children.push_back(std::make_unique<Tag>());
     CopyTag(*copy.children.back(), *child);
@@ -282,14 +257,6 @@ Tag& RootOf(TagTree& tree) { return *tree.container.children.front(); }
 
 const Tag& RootOf(const TagTree& tree) { return *tree.container.children.front(); }
 
-Attribute* SetPathAttribute(Tag& tag, std::string_view name, Value value, const char* propName, const char* propText) {
-  Attribute* attribute = FindAttribute(tag, name);
-  if (!attribute) return AppendWithProperty(tag, name, std::move(value), propName, propText);
-  AssignValue(attribute->value, std::move(value));
-  if (propName && propText) OverwriteProperty(attribute->properties, propName, propText);
-  return attribute;
-}
-
 Attribute* SetAttributeByPath(TagTree& tree, std::string_view path, Value value, const char* propName,
                               const char* propText) {
   Tag* tag = &tree.container;
@@ -301,5 +268,7 @@ Attribute* SetAttributeByPath(TagTree& tree, std::string_view path, Value value,
     tag = GetOrAddChild(*tag, path.substr(0, slash));
     path.remove_prefix(slash + 1);
   }
-  return SetPathAttribute(*tag, path, std::move(value), propName, propText);
+  Attribute* attribute = SetAttribute(*tag, path, std::move(value), propName, propText);
+  if (propName && propText) OverwriteProperty(attribute->properties, propName, propText);
+  return attribute;
 }

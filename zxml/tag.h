@@ -33,43 +33,6 @@ struct Attribute {
   std::vector<Property> properties;
 };
 
-// The attributes of a tag in their order. They lie in blocks that never grow, so that no attribute ever moves.
-class AttributeList {
- public:
-  class Iterator {
-   public:
-    Iterator(const AttributeList& list, std::size_t index) : list_(list), index_(index) {}
-    const Attribute& operator*() const { return list_[index_]; }
-    Iterator& operator++() { return ++index_, *this; }
-    bool operator!=(const Iterator& other) const { return index_ != other.index_; }
-
-   private:
-    const AttributeList& list_;
-    std::size_t index_;
-  };
-
-  std::size_t size() const { return size_; }
-  bool empty() const { return size_ == 0; }
-  // `index` must be below the count.
-  const Attribute& operator[](std::size_t index) const {
-    return index < first_.size() ? first_[index] : InLaterBlock(index - first_.size());
-  }
-  Iterator begin() const { return {*this, 0}; }
-  Iterator end() const { return {*this, size_}; }
-
-  // A new last attribute, empty.
-  Attribute& Append();
-  // Makes the first block fit that many; does nothing once there is an attribute.
-  void Reserve(std::size_t count);
-
- private:
-  const Attribute& InLaterBlock(std::size_t index) const;
-
-  std::vector<Attribute> first_;
-  std::vector<std::vector<Attribute>> later_;
-  std::size_t size_ = 0;
-};
-
 // A tag turns from Leaf to Parent with its first child and never back.
 enum class TagKind : std::uint8_t { Container = 0, Leaf = 1, Parent = 2 };
 
@@ -78,7 +41,7 @@ struct Tag {
   std::string name;
   std::optional<Value> value;
   std::vector<Property> properties;
-  AttributeList attributes;
+  std::vector<std::unique_ptr<Attribute>> attributes;
   std::vector<std::unique_ptr<Tag>> children;  // changed only by AppendChild and SwapChildren
   std::vector<std::uint16_t> childMarks;       // one for each child, from its name: see FindChild
 };
@@ -132,8 +95,6 @@ Tag* GetOrAddChild(Tag& tag, std::string_view name);
 Tag* SetChildValue(Tag& tag, std::string_view name, Value value);
 void SetTagValue(Tag& tag, Value value);
 
-// Appends an attribute without looking for one of that name. The attribute, owned by `tag`.
-Attribute* AppendAttribute(Tag& tag, std::string_view name, Value value);
 // Replaces the value of an existing attribute (None leaves it as it is) and then ignores the property; otherwise
 // appends an attribute with, when `propName` is not null, that one property. The attribute, owned by `tag`.
 Attribute* SetAttribute(Tag& tag, std::string_view name, Value value, const char* propName = nullptr,
@@ -165,6 +126,3 @@ const Tag& RootOf(const TagTree& tree);
 // property when `propName` is not null.
 Attribute* SetAttributeByPath(TagTree& tree, std::string_view path, Value value, const char* propName = nullptr,
                               const char* propText = nullptr);
-// The last step of that walk: the attribute `name` of `tag` itself, by the same rules.
-Attribute* SetPathAttribute(Tag& tag, std::string_view name, Value value, const char* propName = nullptr,
-                            const char* propText = nullptr);

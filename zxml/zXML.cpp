@@ -95,12 +95,12 @@ char* PutTagHead(char* at, const Tag& tag) {
   if (tag.kind == TagKind::Parent && !tag.properties.empty())
     std::fprintf(stderr, "tag >>%s<< :\n", tag.name.c_str());  // deliberate: a diagnostic, not part of the text
   at = PutProperties(at, tag.properties);
-  for (const Attribute& attribute : tag.attributes) {
-    at = Put(at, attribute.name);
+  for (const auto& attribute : tag.attributes) {
+    at = Put(at, attribute->name);
     at = Put(at, "=");
-    at = PutValue(at, attribute.value);
+    at = PutValue(at, attribute->value);
     at = Put(at, "\n");
-    at = PutProperties(at, attribute.properties);
+    at = PutProperties(at, attribute->properties);
   }
   return at;
 }
@@ -190,8 +190,8 @@ std::size_t TextSize(const Tag& tag, bool headerOnly) {
   if (tag.kind == TagKind::Container)
     return kHeaderSize + (tag.children.empty() ? 0 : TextSize(*tag.children.front(), headerOnly));
   std::size_t size = tag.name.size() + 3 + (tag.value ? ValueSize(*tag.value) : 0);
-  for (const Attribute& attribute : tag.attributes)
-    size += attribute.name.size() + ValueSize(attribute.value) + 2 + PropertiesSize(attribute.properties);
+  for (const auto& attribute : tag.attributes)
+    size += attribute->name.size() + ValueSize(attribute->value) + 2 + PropertiesSize(attribute->properties);
   if (headerOnly) return size;
   size += PropertiesSize(tag.properties);
   for (const auto& child : tag.children) size += TextSize(*child, false);

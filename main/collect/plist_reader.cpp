@@ -1,17 +1,16 @@
-// Walks a property list and enters it into a tag tree. Each walker holds on to the place that it fills, so that a value
-// costs one look at its own tag, however deep the tag lies.
+// Walks a property list and enters it into a tag tree. A walker is handed the tag that it fills; a container is asked
+// beforehand whether it enters anything, so that an empty one leaves no tag.
 #include "main/collect/plist_reader.h"
 
 #include <algorithm>
 #include <array>
-#include <deque>
 #include <iterator>
 #include <optional>
 
 namespace {
 
-constexpr std::size_t kMostUsualValues = 32;
-constexpr char kQuoteLead = '\xE2';  // the first byte of each typographic quotation mark in UTF-8
+constexpr std::size_t kMostSegments = 512;  // of a data type's name, as deep as a property list may nest
+constexpr char kQuoteLead = '\xE2';         // the first byte of each typographic quotation mark in UTF-8
 
 // Whether a number stands directly under a data type's key or deeper.
 enum class Level { DataType, Nested };
@@ -75,17 +74,42 @@ bool IsContainer(const PropertyList& node) {
   return node.kind == PropertyListKind::Dictionary || node.kind == PropertyListKind::Array;
 }
 
-// Enters one value under a name; `newName` when nothing else in this walk has that name here.
-void EnterNode(const PropertyList& node, std::string_view name, bool newName, EntryPoint& place, Level level) {
-  if (!IsContainer(node)) {
-    if (std::optional<Value> value = ScalarValue(node, level)) place.SetValue(name, newName, std::move(*value));
-    return;
+bool IsText(const PropertyList& node) { return node.kind == PropertyListKind::Text; }
+
+// Whether entering `node` enters any value.
+bool EntersSomething(const PropertyList& node) {
+  switch (node.kind) {
+    case PropertyListKind::Text:
+    case PropertyListKind::Date:
+      return true;
+    case PropertyListKind::Number:
+      return node.numberType != NumberType::CGFloat;
+    case PropertyListKind::Array:
+      return std::any_of(node.items.begin(), node.items.end(), EntersSomething);
+    case PropertyListKind::Dictionary:
+      for (std::size_t i = 0; i < node.items.size(); ++i) {
+        const PropertyList& item = node.items[i];
+        const bool isNamedList = item.kind == PropertyListKind::Dictionary && IsNamedList(node.keys[i]);
+        if (isNamedList ? std::any_of(item.items.begin(), item.items.end(), IsText) : EntersSomething(item))
+          return true;
+      }
+      return false;
+    default:
+      return false;
   }
-  const auto values =
-      std::count_if(node.items.begin(), node.items.end(), [](const auto& item) { return !IsContainer(item); });
-  EntryPoint below(place, name, newName, std::min(static_cast<std::size_t>(values), kMostUsualValues));
-  if (node.kind == PropertyListKind::Dictionary) return EnterDictionary(node, below);
-  EnterArray(node, below);
+}
+
+// Enters one value of `tag`'s container under a name.
+void EnterNode(const PropertyList& node, std::string_view name, Tag& tag, Level level) {
+  if (!IsContainer(node)) {
+    if (std::optional<Value> value = ScalarValue(node, level)) SetAttribute(tag, name, std::move(*value));
+  } else if (EntersSomething(node)) {
+    Tag& below = *GetOrAddChild(tag, name);
+    if (node.kind == PropertyListKind::Dictionary)
+      EnterDictionary(node, below);
+    else
+      EnterArray(node, below);
+  }
 }
 
 bool IsSpecial(char c) { return c == '\'' || c == ' ' || c == '/' || c == ',' || c == kQuoteLead; }
@@ -100,25 +124,30 @@ bool IsSkippedKey(const std::string& key) {
   return key == "_dataType" || key == "_detailLevel" || key == "_properties";
 }
 
-void EnterDataType(const PropertyList& result, EntryPoint& place) {
-  std::string room;
-  for (std::size_t i = 0; i < result.items.size(); ++i)
-    if (!IsSkippedKey(result.keys[i]))
-      EnterNode(result.items[i], NameOfKey(result.keys[i], room), false, place, Level::DataType);
-}
-
 // The data type's name is a path of its own: each "/" in it begins another tag.
-void EnterResult(const PropertyList& result, std::string_view dataType, TagTree& rawTree) {
-  std::deque<EntryPoint> path;
-  path.emplace_back(RootOf(rawTree));
+Tag& DataTypeTag(TagTree& rawTree, std::string_view dataType) {
+  Tag* tag = &RootOf(rawTree);
   for (std::size_t slash = dataType.find('/'); slash != std::string_view::npos; slash = dataType.find('/')) {
-    EntryPoint& last = path.back();
-    path.emplace_back(last, dataType.substr(0, slash), false);
+    tag = GetOrAddChild(*tag, dataType.substr(0, slash));
     dataType.remove_prefix(slash + 1);
   }
-  EntryPoint& last = path.back();
-  path.emplace_back(last, dataType, false);
-  EnterDataType(result, path.back());
+  return *GetOrAddChild(*tag, dataType);
+}
+
+void EnterResult(const PropertyList& result, std::string_view dataType, TagTree& rawTree) {
+  std::string room;
+  Tag* tag = nullptr;
+  for (std::size_t i = 0; i < result.items.size(); ++i) {
+    if (IsSkippedKey(result.keys[i]) || !EntersSomething(result.items[i])) continue;
+    if (!tag) tag = &DataTypeTag(rawTree, dataType);
+    EnterNode(result.items[i], NameOfKey(result.keys[i], room), *tag, Level::DataType);
+  }
+}
+
+// Neither logs nor fonts, nor a name that would nest deeper than any tree that is read.
+bool IsWanted(std::string_view dataType) {
+  return dataType != "SPLogsDataType" && dataType != "SPFontsDataType" &&
+         static_cast<std::size_t>(std::count(dataType.begin(), dataType.end(), '/')) < kMostSegments;
 }
 
 // The offset in minutes of a zone such as "+0530" without its sign; digits past the fourth do not count. 0 for a zone
@@ -141,61 +170,37 @@ constexpr Entity kEntities[] = {{'&', "&amp;"}, {'\'', "&apos;"}, {'<', "&lt;"},
 
 }  // namespace
 
-Tag& EntryPoint::Resolve() {
-  if (tag_) return *tag_;
-  Tag& parent = parent_->Resolve();
-  if (!(newName_ && parent_->made_)) tag_ = FindChild(parent, name_);
-  if (!tag_) {
-    tag_ = AppendChild(parent, name_);
-    tag_->attributes.Reserve(usualValues_);
-    made_ = true;
-  }
-  return *tag_;
-}
-
-void EntryPoint::SetValue(std::string_view name, bool newName, Value value) {
-  Tag& tag = Resolve();
-  if (newName && made_)
-    AppendAttribute(tag, name, std::move(value));
-  else
-    SetPathAttribute(tag, name, std::move(value));
-}
-
 void EnterProfilerData(const PropertyList& list, TagTree& rawTree) {
   if (list.kind != PropertyListKind::Array) return;
   for (const PropertyList& result : list.items) {
     const PropertyList* dataType = FindKey(&result, "_dataType", PropertyListKind::Text);
-    if (!dataType || dataType->text == "SPLogsDataType" || dataType->text == "SPFontsDataType") continue;
-    EnterResult(result, dataType->text, rawTree);
+    if (dataType && IsWanted(dataType->text)) EnterResult(result, dataType->text, rawTree);
   }
 }
 
-void EnterDictionary(const PropertyList& dictionary, EntryPoint& place) {
+void EnterDictionary(const PropertyList& dictionary, Tag& tag) {
   std::string room;
   for (std::size_t i = 0; i < dictionary.items.size(); ++i) {
     const PropertyList& node = dictionary.items[i];
     const std::string_view name = NameOfKey(dictionary.keys[i], room);
-    if (node.kind == PropertyListKind::Dictionary && IsNamedList(dictionary.keys[i])) {
-      EntryPoint below(place, name, false);
-      EnterNamedList(node, below);
-    } else {
-      EnterNode(node, name, false, place, Level::Nested);
-    }
+    if (node.kind != PropertyListKind::Dictionary || !IsNamedList(dictionary.keys[i]))
+      EnterNode(node, name, tag, Level::Nested);
+    else if (std::any_of(node.items.begin(), node.items.end(), IsText))
+      EnterNamedList(node, *GetOrAddChild(tag, name));
   }
 }
 
-void EnterArray(const PropertyList& array, EntryPoint& place) {
+void EnterArray(const PropertyList& array, Tag& tag) {
   for (std::size_t i = 0; i < array.items.size(); ++i)
-    EnterNode(array.items[i], "item" + std::to_string(i), true, place, Level::Nested);
+    EnterNode(array.items[i], "item" + std::to_string(i), tag, Level::Nested);
 }
 
-void EnterNamedList(const PropertyList& dictionary, EntryPoint& place) {
+void EnterNamedList(const PropertyList& dictionary, Tag& tag) {
   for (std::size_t k = 0; k < dictionary.items.size(); ++k) {
-    if (dictionary.items[k].kind != PropertyListKind::Text) continue;
-    const std::string name = "item" + std::to_string(k);
-    EntryPoint entry(place, name, true);
-    entry.SetValue("_name", false, MakeTextValue(dictionary.keys[k]));
-    entry.SetValue("value", false, MakeTextValue(dictionary.items[k].text));
+    if (!IsText(dictionary.items[k])) continue;
+    Tag& item = *GetOrAddChild(tag, "item" + std::to_string(k));
+    SetAttribute(item, "_name", MakeTextValue(dictionary.keys[k]));
+    SetAttribute(item, "value", MakeTextValue(dictionary.items[k].text));
   }
 }
 
