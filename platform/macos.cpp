@@ -1,6 +1,6 @@
 // The platform on a Mac: property lists, bundles and local time come from CoreFoundation, the computer's name from the
 // system configuration store, the process table from the kernel. Everything leaves this file as plain values; what a
-// Create or Copy call returned is released where it was made.
+// Create or Copy call returned is released where it was made, but for two date formatters, which are kept.
 #include "platform/platform.h"
 // Above CoreFoundation, with whose global names its enumerators would otherwise clash.
 #include <CoreFoundation/CoreFoundation.h>
@@ -16,9 +16,11 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <type_traits>
 #include <utility>
 
+#include "platform/bundle_folder.h"
 #include "platform/plist_limits.h"
 
 namespace {
@@ -97,11 +99,18 @@ void ConvertNumber(CFNumberRef number, PropertyList& list) {
   }
 }
 
-// What a conversion may still take: a shared value counts wherever it is used.
+// What a conversion may still take: a shared value counts wherever it is used, and long texts as several.
 struct Allowance {
   std::size_t values = SIZE_MAX;
   std::size_t openContainers = kMaxOpenContainers;
 };
+
+// False when there are not that many values left.
+bool Take(Allowance& allowance, std::size_t values) {
+  if (allowance.values < values) return false;
+  allowance.values -= values;
+  return true;
+}
 
 bool Convert(CFTypeRef object, Allowance& allowance, PropertyList& list);
 
@@ -115,16 +124,22 @@ bool ConvertArray(CFArrayRef array, Allowance& allowance, PropertyList& list) {
   return true;
 }
 
+// The keys in the order of their bytes, as the profiler writes them: the system's own order changes with the document.
 bool ConvertDictionary(CFDictionaryRef dictionary, Allowance& allowance, PropertyList& list) {
   list.kind = PropertyListKind::Dictionary;
   const auto count = static_cast<std::size_t>(CFDictionaryGetCount(dictionary));
   std::vector<const void*> keys(count), values(count);
   CFDictionaryGetKeysAndValues(dictionary, keys.data(), values.data());
-  for (std::size_t i = 0; i < count; ++i) {
-    if (CFGetTypeID(keys[i]) != CFStringGetTypeID()) continue;
-    list.keys.push_back(CFStringToText(static_cast<CFStringRef>(keys[i])));
+  std::vector<std::pair<std::string, const void*>> entries;
+  for (std::size_t i = 0; i < count; ++i)
+    if (CFGetTypeID(keys[i]) == CFStringGetTypeID())
+      entries.emplace_back(CFStringToText(static_cast<CFStringRef>(keys[i])), values[i]);
+  std::sort(entries.begin(), entries.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+  for (auto& [key, value] : entries) {
+    if (!Take(allowance, key.size() / kBytesPerValue)) return false;
+    list.keys.push_back(std::move(key));
     list.items.emplace_back();
-    if (!Convert(values[i], allowance, list.items.back())) return false;
+    if (!Convert(value, allowance, list.items.back())) return false;
   }
   return true;
 }
@@ -151,13 +166,12 @@ void ConvertScalar(CFTypeRef object, PropertyList& list) {
 // suffice; `list` is then incomplete.
 bool Convert(CFTypeRef object, Allowance& allowance, PropertyList& list) {
   if (!object) return true;
-  if (allowance.values == 0) return false;
-  --allowance.values;
+  if (!Take(allowance, 1)) return false;
   const CFTypeID type = CFGetTypeID(object);
   const bool isArray = type == CFArrayGetTypeID();
   if (!isArray && type != CFDictionaryGetTypeID()) {
     ConvertScalar(object, list);
-    return true;
+    return Take(allowance, list.text.size() / kBytesPerValue);
   }
   if (allowance.openContainers == 0) return false;
   --allowance.openContainers;
@@ -167,10 +181,17 @@ bool Convert(CFTypeRef object, Allowance& allowance, PropertyList& list) {
   return isComplete;
 }
 
-// The whole of `object`, or Null.
-PropertyList ConvertRoot(CFTypeRef object, Allowance allowance = Allowance()) {
+// The whole of `object`, taken off the allowance, or Null, which takes nothing.
+PropertyList ConvertRoot(CFTypeRef object, Allowance& allowance) {
   PropertyList list;
-  return Convert(object, allowance, list) ? std::move(list) : PropertyList();
+  Allowance rest = allowance;
+  if (!Convert(object, rest, list)) return PropertyList();
+  allowance = rest;
+  return list;
+}
+
+bool IsSafe(const std::string& document, std::size_t mostValues) {
+  return IsBinaryPropertyList(document) ? BinaryNestingIsSafe(document, mostValues) : XmlNestingIsSafe(document);
 }
 
 #pragma GCC diagnostic push
@@ -200,50 +221,70 @@ ProcessRecord ReadRecord(const unsigned char* bytes) {
 
 // --- bundles ---
 
+// Whether CoreFoundation may read the bundle's information: it parses whatever is there, whichever of these files it
+// chooses. Also false when there is none.
+bool InformationIsSafe(const std::string& bundle, std::size_t mostValues) {
+  std::size_t count = 0;
+  for (const char* name : {"Info.plist", "Info-macos.plist"}) {
+    for (const std::string& file : InformationFiles(bundle, name)) {
+      const std::optional<std::string> document = ReadInformation(file);
+      if (!document || !IsSafe(*document, mostValues)) return false;
+      ++count;
+    }
+  }
+  return count > 0;
+}
+
 // The bundle's own facts. CoreFoundation answers a folder without a readable Info.plist with a dictionary too, which is
 // empty or holds nothing but the file's URL: it counts as none.
-PropertyList Information(CFBundleRef bundle) {
-  PropertyList information = ConvertRoot(CFBundleGetInfoDictionary(bundle), {kMaxBinaryValues, kMaxOpenContainers});
+PropertyList InformationOf(const std::string& path, Allowance& allowance) {
+  if (!InformationIsSafe(path, allowance.values)) return PropertyList();
+  const Owned<CFURLRef> url(CFURLCreateFromFileSystemRepresentation(
+      nullptr, reinterpret_cast<const UInt8*>(path.data()), static_cast<CFIndex>(path.size()), true));
+  if (!url) return PropertyList();
+  const Owned<CFBundleRef> bundle(CFBundleCreate(nullptr, url.get()));
+  if (!bundle) return PropertyList();
+  PropertyList information = ConvertRoot(CFBundleGetInfoDictionary(bundle.get()), allowance);
   const bool isSomething = std::any_of(information.items.begin(), information.items.end(),
                                        [](const PropertyList& item) { return item.kind != PropertyListKind::Null; });
   return isSomething ? std::move(information) : PropertyList();
 }
 
-Bundle Describe(CFBundleRef bundle) {
-  Bundle result;
-  result.information = Information(bundle);
-  const Owned<CFURLRef> url(CFBundleCopyBundleURL(bundle));
-  if (!url) return result;
-  const Owned<CFStringRef> fileName(CFURLCopyLastPathComponent(url.get()));
-  const Owned<CFStringRef> path(CFURLCopyFileSystemPath(url.get(), kCFURLPOSIXPathStyle));
-  result.fileName = CFStringToText(fileName.get());
-  result.path = CFStringToText(path.get());
-  return result;
+// --- local time ---
+
+Owned<CFDateFormatterRef> MakeFormatter(CFStringRef form) {
+  const Owned<CFLocaleRef> locale(CFLocaleCopyCurrent());
+  Owned<CFDateFormatterRef> formatter(
+      CFDateFormatterCreate(nullptr, locale.get(), kCFDateFormatterNoStyle, kCFDateFormatterNoStyle));
+  if (formatter) CFDateFormatterSetFormat(formatter.get(), form);
+  return formatter;
+}
+
+// Null when the system makes none. Kept, because making one takes ten times as long as using it.
+CFDateFormatterRef FormatterFor(DateForm form) {
+  static const Owned<CFDateFormatterRef> full = MakeFormatter(CFSTR("yyyyMMddHHmmss.000000 ZZ"));
+  static const Owned<CFDateFormatterRef> brief = MakeFormatter(CFSTR("yyyy-MM-dd"));
+  return form == DateForm::Full ? full.get() : brief.get();
 }
 
 }  // namespace
 
 PropertyList ParsePropertyList(std::string document) {
-  if (!(IsBinaryPropertyList(document) ? BinaryNestingIsSafe(document) : XmlNestingIsSafe(document)))
-    return PropertyList();
+  if (!IsSafe(document, kMaxBinaryValues)) return PropertyList();
   const Owned<CFDataRef> data(
       CFDataCreate(nullptr, reinterpret_cast<const UInt8*>(document.data()), static_cast<CFIndex>(document.size())));
   std::string().swap(document);
-  if (!data) return PropertyList();
+  if (!data) throw std::bad_alloc();
   const Owned<CFPropertyListRef> root(ParseData(data.get()));
   if (!root || CFGetTypeID(root.get()) != CFArrayGetTypeID()) return PropertyList();
-  return ConvertRoot(root.get());
+  Allowance unlimited;
+  return ConvertRoot(root.get(), unlimited);
 }
 
 std::string FormatLocalTime(double seconds, DateForm form) {
-  if (!std::isfinite(seconds)) return std::string();
-  const Owned<CFLocaleRef> locale(CFLocaleCopyCurrent());
-  const Owned<CFDateFormatterRef> formatter(
-      CFDateFormatterCreate(nullptr, locale.get(), kCFDateFormatterNoStyle, kCFDateFormatterNoStyle));
-  if (!formatter) return std::string();
-  CFDateFormatterSetFormat(formatter.get(),
-                           form == DateForm::Full ? CFSTR("yyyyMMddHHmmss.000000 ZZ") : CFSTR("yyyy-MM-dd"));
-  const Owned<CFStringRef> text(CFDateFormatterCreateStringWithAbsoluteTime(nullptr, formatter.get(), seconds));
+  const CFDateFormatterRef formatter = FormatterFor(form);
+  if (!formatter || !std::isfinite(seconds)) return std::string();
+  const Owned<CFStringRef> text(CFDateFormatterCreateStringWithAbsoluteTime(nullptr, formatter, seconds));
   return CFStringToText(text.get());
 }
 
@@ -271,16 +312,11 @@ std::optional<ProcessTable> ReadProcessTable() {
   return table;
 }
 
-std::vector<Bundle> LoadBundles(const std::string& folder) {
-  std::vector<Bundle> result;
-  const Owned<CFStringRef> path(CFStringCreateWithFormat(nullptr, nullptr, CFSTR("%s/"), folder.c_str()));
-  if (!path) return result;
-  const Owned<CFURLRef> url(CFURLCreateWithFileSystemPath(nullptr, path.get(), kCFURLPOSIXPathStyle, true));
-  if (!url) return result;
-  const Owned<CFArrayRef> bundles(CFBundleCreateBundlesFromDirectory(nullptr, url.get(), nullptr));
-  const CFIndex count = bundles ? CFArrayGetCount(bundles.get()) : 0;
-  for (CFIndex i = 0; i < count; ++i)
-    if (const void* bundle = CFArrayGetValueAtIndex(bundles.get(), i))
-      result.push_back(Describe(static_cast<CFBundleRef>(const_cast<void*>(bundle))));
-  return result;
+void ForEachBundle(const std::string& folder, const std::function<void(const Bundle&)>& take) {
+  Allowance allowance;
+  allowance.values = kMaxInformationValues;
+  for (const std::string& name : FoldersIn(folder)) {
+    const std::string path = folder + "/" + name;
+    take({name, path, InformationOf(path, allowance)});
+  }
 }

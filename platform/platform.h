@@ -1,9 +1,10 @@
-// What differs between a Mac and any other machine: five questions, no state. macos.cpp answers them with the system's
-// frameworks, portable.cpp with expat and libplist, the C library's clock and a recorded Mac (or the machine it runs
+// What differs between a Mac and any other machine: six questions. macos.cpp answers them with the system's frameworks;
+// portable/ with a reader of its own and libplist, the C library's clock and a recorded Mac (or the machine it runs
 // on).
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -43,8 +44,10 @@ std::optional<ProcessTable> ReadProcessTable();
 struct Bundle {
   std::string fileName;      // the last component of its path
   std::string path;          // as on the Mac, without a trailing slash
-  PropertyList information;  // its information dictionary; Null when it has none or an empty one
+  PropertyList information;  // its information dictionary; Null when it has none, an empty one, or one too large
 };
 
-// The bundles directly inside `folder`, in the platform's order; none when the folder cannot be read.
-std::vector<Bundle> LoadBundles(const std::string& folder);
+// Hands over the bundles directly inside `folder`, one at a time, in the platform's order; none when the folder cannot
+// be read. The dictionaries of one folder together hold at most kMaxInformationValues values; one that would exceed
+// them is too large.
+void ForEachBundle(const std::string& folder, const std::function<void(const Bundle&)>& take);

@@ -42,9 +42,6 @@ struct PropertyList {
   std::vector<PropertyList> items;  // Dictionary and Array
 };
 
-// -1 and 0 to 12 are numbers that CoreFoundation keeps ready as SInt32; every other whole number is an SInt64.
-inline bool KeptWholeNumber(std::int64_t number) { return number >= -1 && number <= 12; }
-
 inline bool IsFloating(NumberType type) {
   return type == NumberType::Float32 || type == NumberType::Float64 || type == NumberType::Float ||
          type == NumberType::Double || type == NumberType::CGFloat;

@@ -26,8 +26,9 @@ void WriteBundle(TagTree& inventoryTree, const Bundle& bundle, const char* group
 }
 
 void WriteFolder(TagTree& inventoryTree, const char* folder, const char* group) {
-  for (const Bundle& bundle : LoadBundles(folder))
+  ForEachBundle(folder, [&inventoryTree, group](const Bundle& bundle) {
     if (bundle.information.kind == PropertyListKind::Dictionary) WriteBundle(inventoryTree, bundle, group);
+  });
 }
 
 }  // namespace

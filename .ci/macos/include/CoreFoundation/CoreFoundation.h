@@ -51,7 +51,6 @@ enum CFNumberType : CFIndex {
   kCFNumberNSIntegerType = 15,
   kCFNumberCGFloatType = 16,
 };
-enum CFURLPathStyle : CFIndex { kCFURLPOSIXPathStyle = 0 };
 enum CFDateFormatterStyle : CFIndex { kCFDateFormatterNoStyle = 0 };
 enum : CFStringEncoding { kCFStringEncodingUTF8 = 0x08000100 };
 enum : CFOptionFlags { kCFPropertyListImmutable = 0 };
@@ -82,7 +81,6 @@ CFDataRef CFDataCreate(CFAllocatorRef allocator, const UInt8* bytes, CFIndex len
 CFIndex CFStringGetLength(CFStringRef string);
 CFIndex CFStringGetBytes(CFStringRef string, CFRange range, CFStringEncoding encoding, UInt8 lossByte,
                          Boolean isExternalRepresentation, UInt8* buffer, CFIndex room, CFIndex* used);
-CFStringRef CFStringCreateWithFormat(CFAllocatorRef allocator, CFDictionaryRef options, CFStringRef format, ...);
 [[deprecated]] CFPropertyListRef CFPropertyListCreateFromXMLData(CFAllocatorRef allocator, CFDataRef document,
                                                                  CFOptionFlags mutability, CFStringRef* error);
 
@@ -95,11 +93,8 @@ void CFDateFormatterSetFormat(CFDateFormatterRef formatter, CFStringRef format);
 CFStringRef CFDateFormatterCreateStringWithAbsoluteTime(CFAllocatorRef allocator, CFDateFormatterRef formatter,
                                                         CFAbsoluteTime moment);
 
-CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef allocator, CFStringRef path, CFURLPathStyle style,
-                                       Boolean isFolder);
-CFStringRef CFURLCopyLastPathComponent(CFURLRef url);
-CFStringRef CFURLCopyFileSystemPath(CFURLRef url, CFURLPathStyle style);
-CFArrayRef CFBundleCreateBundlesFromDirectory(CFAllocatorRef allocator, CFURLRef folder, CFStringRef type);
+CFURLRef CFURLCreateFromFileSystemRepresentation(CFAllocatorRef allocator, const UInt8* path, CFIndex length,
+                                                 Boolean isFolder);
+CFBundleRef CFBundleCreate(CFAllocatorRef allocator, CFURLRef url);
 CFDictionaryRef CFBundleGetInfoDictionary(CFBundleRef bundle);
-CFURLRef CFBundleCopyBundleURL(CFBundleRef bundle);
 }

@@ -1,7 +1,5 @@
-// The platform outside macOS: property lists come from expat and libplist, time from the C library, and what a Mac's
-// frameworks would say from the recording named by QUILL_RECORDING, or else from the machine itself.
-#include <dirent.h>
-#include <sys/stat.h>
+// The platform outside macOS: property lists are read here and by libplist, time comes from the C library, and what a
+// Mac's frameworks would say from the recording named by QUILL_RECORDING, or else from the machine itself.
 #include <unistd.h>
 
 #include <algorithm>
@@ -10,12 +8,16 @@
 #include <cstdlib>
 #include <ctime>
 
+#include "platform/bundle_folder.h"
 #include "platform/platform.h"
-#include "platform/plist_document.h"
+#include "platform/plist_limits.h"
+#include "platform/portable/plist_binary.h"
+#include "platform/portable/plist_xml.h"
 
 namespace {
 
 constexpr double kEpoch2001 = 978307200.0;  // 2001-01-01 00:00 UTC in seconds since 1970
+constexpr double kMostSeconds = 3e13;       // about a million years either way
 
 // The recording's folder, null when none is played.
 const char* Recording() {
@@ -33,23 +35,9 @@ std::string ReadFile(const std::string& path) {
   return text;
 }
 
-bool IsFolder(const std::string& path) {
-  struct stat status;
-  return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
-}
-
-std::vector<std::string> FolderEntries(const std::string& folder) {
-  std::vector<std::string> names;
-  DIR* stream = opendir(folder.c_str());
-  if (!stream) return names;
-  while (const dirent* entry = readdir(stream)) names.emplace_back(entry->d_name);
-  closedir(stream);
-  std::sort(names.begin(), names.end());
-  return names;
-}
-
-// A number that is not negative in decimal, with leading zeros; dates are many, and printf is slow.
+// A number that is not negative in decimal, with leading zeros up to `width`; dates are many, and printf is slow.
 std::string Digits(int number, std::size_t width) {
+  for (int more = number / 10000; width >= 4 && more > 0; more /= 10) ++width;
   std::string text(width, '0');
   for (std::size_t i = width; i > 0; --i, number /= 10) text[i - 1] = static_cast<char>('0' + number % 10);
   return text;
@@ -88,8 +76,9 @@ bool ParseProcStat(const std::string& text, ProcessRecord& record) {
 
 std::optional<ProcessTable> MachineProcesses() {
   ProcessTable table;
-  if (!IsFolder("/proc/self")) return std::nullopt;
-  for (const std::string& name : FolderEntries("/proc")) {
+  const std::vector<std::string> folders = FoldersIn("/proc");
+  if (std::find(folders.begin(), folders.end(), "self") == folders.end()) return std::nullopt;
+  for (const std::string& name : folders) {
     if (name.find_first_not_of("0123456789") != std::string::npos) continue;
     ProcessRecord record;
     if (ParseProcStat(ReadFile("/proc/" + name + "/stat"), record)) table.records.push_back(std::move(record));
@@ -99,20 +88,38 @@ std::optional<ProcessTable> MachineProcesses() {
   return table;
 }
 
+PropertyList ParseDocument(std::string_view document, std::size_t mostBinaryValues) {
+  return IsBinaryPropertyList(document) ? ReadBinaryList(document, mostBinaryValues) : ReadXmlList(document);
+}
+
+// What a bundle says of itself, taken off the values that its folder may still have; Null when that is nothing, or more
+// than those.
+PropertyList InformationOf(const std::string& bundle, std::size_t& valuesLeft) {
+  const std::vector<std::string> files = InformationFiles(bundle);
+  const std::optional<std::string> document = files.empty() ? std::nullopt : ReadInformation(files.front());
+  if (!document) return PropertyList();
+  PropertyList information = ParseDocument(*document, valuesLeft);
+  if (information.kind != PropertyListKind::Dictionary || information.items.empty()) return PropertyList();
+  const std::size_t values = CountValues(information);
+  if (values > valuesLeft) return PropertyList();
+  valuesLeft -= values;
+  return information;
+}
+
 }  // namespace
 
 PropertyList ParsePropertyList(std::string document) {
-  PropertyList list = ParseDocument(document);
+  PropertyList list = ParseDocument(document, kMaxBinaryValues);
   document = std::string();
   return list.kind == PropertyListKind::Array ? std::move(list) : PropertyList();
 }
 
 std::string FormatLocalTime(double seconds, DateForm form) {
   const double sinceUnix = std::floor(seconds + kEpoch2001);
-  if (!(std::fabs(sinceUnix) < 2.5e11)) return std::string();  // years of four digits
+  if (!(std::fabs(sinceUnix) < kMostSeconds)) return std::string();
   const auto moment = static_cast<std::time_t>(sinceUnix);
   struct tm local;
-  if (!localtime_r(&moment, &local) || local.tm_year + 1900 < 0 || local.tm_year + 1900 > 9999) return std::string();
+  if (!localtime_r(&moment, &local) || local.tm_year + 1900 < 0) return std::string();
   const char* const dash = form == DateForm::Short ? "-" : "";
   std::string text =
       Digits(local.tm_year + 1900, 4) + dash + Digits(local.tm_mon + 1, 2) + dash + Digits(local.tm_mday, 2);
@@ -144,19 +151,12 @@ std::optional<ProcessTable> ReadProcessTable() {
   return MachineProcesses();
 }
 
-std::vector<Bundle> LoadBundles(const std::string& folder) {
+void ForEachBundle(const std::string& folder, const std::function<void(const Bundle&)>& take) {
   const char* recording = Recording();
   const std::string place = recording ? recording + folder : folder;
-  std::vector<Bundle> bundles;
-  for (const std::string& name : FolderEntries(place)) {
-    if (name[0] == '.' || !IsFolder(place + "/" + name)) continue;
-    Bundle bundle;
-    bundle.fileName = name;
-    bundle.path = folder + "/" + name;
-    PropertyList information = ParseDocument(ReadFile(place + "/" + name + "/Contents/Info.plist"));
-    if (information.kind == PropertyListKind::Dictionary && !information.items.empty())
-      bundle.information = std::move(information);
-    bundles.push_back(std::move(bundle));
-  }
-  return bundles;
+  std::vector<std::string> names = FoldersIn(place);
+  std::sort(names.begin(), names.end());
+  std::size_t valuesLeft = kMaxInformationValues;
+  for (const std::string& name : names)
+    take({name, folder + "/" + name, InformationOf(place + "/" + name, valuesLeft)});
 }

@@ -1,6 +1,5 @@
-// Property-list documents as plain values: plain XML is read directly, everything else parsed by libplist, whose word
-// counts in every doubtful case.
-#include "platform/plist_document.h"
+// Binary property lists as plain values, by way of libplist.
+#include "platform/portable/plist_binary.h"
 
 #include <plist/plist.h>
 
@@ -8,9 +7,10 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <string>
 
 #include "platform/plist_limits.h"
-#include "platform/plist_xml.h"
+#include "platform/portable/plist_scalars.h"
 
 namespace {
 
@@ -81,31 +81,21 @@ bool IsLargest(plist_t node, std::uint64_t bits) {
 }
 
 PropertyList ConvertInteger(plist_t node) {
-  PropertyList number;
-  number.kind = PropertyListKind::Number;
   std::uint64_t bits = 0;
   plist_get_uint_val(node, &bits);
-  number.integer = static_cast<std::int64_t>(bits);
-  const bool kept = KeptWholeNumber(number.integer) && !IsLargest(node, bits);
-  number.numberType = kept ? NumberType::SInt32 : NumberType::SInt64;
-  return number;
+  return IsLargest(node, bits) ? MakeLargeNumber(bits) : MakeWholeNumber(static_cast<std::int64_t>(bits));
 }
 
 PropertyList ConvertReal(plist_t node) {
-  PropertyList number;
-  number.kind = PropertyListKind::Number;
-  number.numberType = NumberType::Float64;
-  number.real = 0.0;
-  plist_get_real_val(node, &number.real);
-  return number;
+  double number = 0.0;
+  plist_get_real_val(node, &number);
+  return MakeReal(number);
 }
 
 PropertyList ConvertText(plist_t node) {
-  PropertyList text;
-  text.kind = PropertyListKind::Text;
   std::uint64_t size = 0;
-  if (const char* bytes = plist_get_string_ptr(node, &size)) text.text.assign(bytes, size);
-  return text;
+  const char* bytes = plist_get_string_ptr(node, &size);
+  return MakeText(bytes ? std::string(bytes, size) : std::string());
 }
 
 double SecondsInBinary(plist_t node) {
@@ -120,22 +110,16 @@ double SecondsInBinary(plist_t node) {
 }
 
 PropertyList ConvertDate(plist_t node) {
-  PropertyList date;
-  date.kind = PropertyListKind::Date;
   std::int32_t seconds = 0, microseconds = 0;
   plist_get_date_val(node, &seconds, &microseconds);
   const bool fits = seconds != INT32_MIN && seconds != INT32_MAX;
-  date.real = fits ? seconds : SecondsInBinary(node);
-  return date;
+  return MakeDate(fits ? seconds : SecondsInBinary(node));
 }
 
 PropertyList ConvertBoolean(plist_t node) {
-  PropertyList boolean;
-  boolean.kind = PropertyListKind::Boolean;
   std::uint8_t flag = 0;
   plist_get_bool_val(node, &flag);
-  boolean.integer = flag ? 1 : 0;
-  return boolean;
+  return MakeBoolean(flag != 0);
 }
 
 PropertyList Convert(plist_t node) {
@@ -154,34 +138,19 @@ PropertyList Convert(plist_t node) {
       return ConvertDate(node);
     case PLIST_BOOLEAN:
       return ConvertBoolean(node);
-    case PLIST_DATA: {
-      PropertyList data;
-      data.kind = PropertyListKind::Data;
-      return data;
-    }
+    case PLIST_DATA:
+      return MakeData();
     default:
       return PropertyList();
   }
 }
 
-PropertyList ParseByLibplist(const std::string& document, bool binary) {
-  if (!(binary ? BinaryNestingIsSafe(document) : XmlNestingIsSafe(document))) return PropertyList();
-  plist_t root = nullptr;
-  const auto size = static_cast<std::uint32_t>(document.size());
-  if (binary)
-    plist_from_bin(document.data(), size, &root);
-  else
-    plist_from_xml(document.data(), size, &root);
-  const OwnedNode owner(root);
-  return root ? Convert(root) : PropertyList();
-}
-
 }  // namespace
 
-PropertyList ParseDocument(const std::string& document) {
-  if (document.empty() || document.size() > UINT32_MAX) return PropertyList();
-  const bool binary = IsBinaryPropertyList(document);
-  if (!binary)
-    if (std::optional<PropertyList> list = ReadPlainXml(document)) return std::move(*list);
-  return ParseByLibplist(document, binary);
+PropertyList ReadBinaryList(std::string_view document, std::size_t mostValues) {
+  if (document.size() > UINT32_MAX || !BinaryNestingIsSafe(document, mostValues)) return PropertyList();
+  plist_t root = nullptr;
+  plist_from_bin(document.data(), static_cast<std::uint32_t>(document.size()), &root);
+  const OwnedNode owner(root);
+  return root ? Convert(root) : PropertyList();
 }
