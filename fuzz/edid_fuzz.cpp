@@ -12,6 +12,6 @@ void Check(const std::string& text) {
   TagTree tree = CreateTree(true, "Monitor");
   Attribute edid;
   edid.value = MakeTextValue(text);
-  AddMonitorEdidAttributes(RootOf(tree), edid);
+  WriteMonitorEdid(RootOf(tree), edid);
   CheckText(TextOfTree(tree));
 }

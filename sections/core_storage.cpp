@@ -3,9 +3,10 @@
 #include "sections/core_storage.h"
 
 #include <algorithm>
+#include <string>
 
-#include "sections/items.h"
 #include "sections/logical_disks.h"
+#include "sections/raw_items.h"
 
 namespace {
 
@@ -38,12 +39,12 @@ bool IsEncrypted(const Tag& volume) {
 
 }  // namespace
 
-bool ResolveCoreStorage(const TagTree& rawTree, Tag& partitionTag) {
+bool WriteCoreStorageVolume(const TagTree& rawTree, Tag& partitionTag) {
   if (!partitionTag.value || partitionTag.value->kind != ValueKind::String) return false;
   const Tag* volume = FindVolumeOn(rawTree, partitionTag.value->text);
   if (!volume) return false;
-  if (const Attribute* name = FindAttribute(*volume, "_name")) SetTagValue(partitionTag, CopyValue(name->value));
-  FillLogicalDisk(partitionTag, *volume);
+  if (HasKey(*volume, "_name")) SetTagValue(partitionTag, CopyOfKey(*volume, "_name"));
+  WriteLogicalDisk(partitionTag, *volume);
   if (IsEncrypted(*volume)) AddTagProperty(partitionTag, "kind", "encrypted");
   return true;
 }

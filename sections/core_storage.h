@@ -3,6 +3,6 @@
 
 #include "zxml/tag.h"
 
-// Looks up the volume that lies on the partition named by the tag's value (its BSD name) and describes it on that tag,
-// the volume's name instead of the partition's. False, with the tag untouched, when no volume lies on it.
-bool ResolveCoreStorage(const TagTree& rawTree, Tag& partitionTag);
+// Looks up the volume that lies on the partition named by the tag's value (its BSD name) and writes it on that tag, the
+// volume's name instead of the partition's. False, with the tag untouched, when no volume lies on it.
+bool WriteCoreStorageVolume(const TagTree& rawTree, Tag& partitionTag);

@@ -2,7 +2,12 @@
 #include "sections/edid.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <cstdio>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace {
 
@@ -51,7 +56,8 @@ EdidBlock ReadBlock(std::string_view text) {
   for (std::size_t k = 0; k < kEdidBlockSize; ++k) {
     const std::size_t at = kPrefixLength + 2 * k;
     if (at + 1 >= text.size()) break;
-    const int high = HexDigit(text[at]), low = HexDigit(text[at + 1]);
+    const int high = HexDigit(text[at]);
+    const int low = HexDigit(text[at + 1]);
     if (high >= 0 && low >= 0) block[k] = static_cast<std::uint8_t>(high * 16 + low);
   }
   return block;
@@ -123,7 +129,8 @@ bool IsUnused(std::uint8_t first, std::uint8_t second) {
 
 void AppendModes(const EdidBlock& block, std::size_t at, std::size_t count, std::vector<VideoMode>& modes) {
   for (const std::size_t end = at + 2 * count; at < end; at += 2) {
-    const std::uint8_t first = block[at], second = block[at + 1];
+    const std::uint8_t first = block[at];
+    const std::uint8_t second = block[at + 1];
     if (IsUnused(first, second)) continue;
     const Aspect& aspect = kAspects[second >> 6];
     const std::uint32_t width = first * 8u + 248u;
@@ -151,7 +158,8 @@ std::string EdidManufacturerId(std::uint16_t id) {
 }
 
 std::string EdidMaxResolution(const EdidBlock& block) {
-  std::uint32_t width = 0, height = 0;
+  std::uint32_t width = 0;
+  std::uint32_t height = 0;
   for (const EstablishedTiming& timing : kEstablishedTimings) {
     if (!(block[timing.offset] & timing.bits)) continue;
     width = timing.width;

@@ -1,13 +1,15 @@
 // "Environment": the variables that `env` prints.
+#include <cstddef>
+#include <string>
 #include <string_view>
 
 #include "main/collect/command_runner.h"
-#include "sections/items.h"
+#include "sections/inventory_tags.h"
 #include "sections/sections.h"
 
 namespace {
 
-constexpr std::size_t kEnvChunk = 300;
+constexpr std::size_t kEnvChunk = 300;  // bytes read at a time
 
 // The text before the next line feed, which is taken away with it; empty when no line feed is left.
 std::string_view NextLine(std::string_view& text) {
@@ -29,8 +31,8 @@ void WriteVariable(TagTree& inventoryTree, std::string_view line) {
   if (name == "PATH")
     SetAttribute(*variable, "value", MakeTextValue(value), "split", ":");
   else
-    SetAttribute(*variable, "value", MakeTextValue(value));
-  SetAttribute(*variable, "system", FlagValue(true));
+    SetText(*variable, "value", value);
+  SetFlag(*variable, "system", true);
 }
 
 }  // namespace

@@ -1,6 +1,9 @@
 // Turns the firewall's settings into "Security" / "Firewall": its state, and for each service and application whether
 // it may be reached.
-#include "sections/items.h"
+#include <string>
+
+#include "sections/inventory_tags.h"
+#include "sections/raw_items.h"
 #include "sections/sections.h"
 
 namespace {
@@ -34,19 +37,21 @@ constexpr KeyCopy kSwitches[] = {
 
 void SetState(Tag& firewall, const std::string& name) {
   for (const State& state : kStates)
-    if (name == state.name) SetAttribute(firewall, "status", MakeTextValue(state.status));
+    if (name == state.name) SetText(firewall, "status", state.status);
 }
 
-void AddRules(Tag& firewall, const Tag& item, const RuleList& list) {
+void WriteRule(Tag& rule, const Tag& entry) {
+  if (HasKey(entry, "_name")) SetTagValue(rule, CopyOfKey(entry, "_name"));
+  SetFlag(rule, "status", SaysYes(entry, "value", Unless("spfirewall_block_all")));
+}
+
+void WriteRules(Tag& firewall, const Tag& item, const RuleList& list) {
   const Tag* entries = FindChild(item, list.key);
   if (!entries) return;
   Tag* rules = GetOrAddChild(firewall, list.tag);
   int number = 0;
-  for (const auto& entry : entries->children) {
-    Tag* rule = AddComplexChild(*rules, list.entry + std::to_string(++number));
-    if (const Attribute* name = FindAttribute(*entry, "_name")) SetTagValue(*rule, CopyValue(name->value));
-    SetAttribute(*rule, "status", FlagValue(TextOfKey(*entry, "value") != "spfirewall_block_all"));
-  }
+  for (const auto& entry : entries->children)
+    WriteRule(*AddComplexChild(*rules, list.entry + std::to_string(++number)), *entry);
 }
 
 }  // namespace
@@ -57,9 +62,7 @@ void BuildFirewallSection(TagTree& inventoryTree, const TagTree& rawTree) {
   for (const auto& item : items->children) {
     Tag* firewall = GetOrAddInSection(inventoryTree, "Security", "Firewall");
     SetState(*firewall, TextOfKey(*item, "spfirewall_globalstate"));
-    for (const RuleList& list : kRuleLists) AddRules(*firewall, *item, list);
-    for (const KeyCopy& option : kSwitches)
-      if (HasKey(*item, option.key))
-        SetAttribute(*firewall, option.attribute, FlagValue(TextOfKey(*item, option.key) != "No"));
+    for (const RuleList& list : kRuleLists) WriteRules(*firewall, *item, list);
+    CopyFlags(*item, *firewall, kSwitches, Unless("No"));
   }
 }

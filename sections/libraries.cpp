@@ -1,7 +1,10 @@
 // "Libraries": the Internet plug-ins, each described by its bundle's information dictionary.
+#include <string>
+
 #include "main/collect/plist_reader.h"
 #include "platform/platform.h"
-#include "sections/items.h"
+#include "sections/inventory_tags.h"
+#include "sections/raw_items.h"
 #include "sections/sections.h"
 #include "sections/software_sort.h"
 #include "zxml/value_text.h"
@@ -18,11 +21,11 @@ void WriteBundle(TagTree& inventoryTree, const Bundle& bundle, const char* group
   const std::string tagName = SafeTagName(Trimmed("library:" + baseName + " " + version, " \n\r"));
   Tag* libraries = GetOrAddChild(RootOf(inventoryTree), "Libraries");
   Tag* tag = SetChildValue(*libraries, tagName, MakeTextValue(baseName));
-  SetAttribute(*tag, "path", MakeTextValue(bundle.path));
-  if (!version.empty()) SetAttribute(*tag, "version", MakeTextValue(version));
+  SetText(*tag, "path", bundle.path);
+  if (!version.empty()) SetText(*tag, "version", version);
   const bool described = HasKey(keys, "CFBundleGetInfoString");
   CopyKey(keys, *tag, {described ? "CFBundleGetInfoString" : "WebPluginDescription", "descr"});
-  SetAttribute(*tag, "group", MakeTextValue(group));
+  SetText(*tag, "group", group);
 }
 
 void WriteFolder(TagTree& inventoryTree, const char* folder, const char* group) {

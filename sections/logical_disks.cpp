@@ -2,15 +2,17 @@
 // property, and percentages of the whole.
 #include "sections/logical_disks.h"
 
+#include <cstdint>
 #include <cstdio>
 #include <limits>
+#include <optional>
+#include <string>
 
-#include "sections/items.h"
+#include "sections/inventory_tags.h"
+#include "sections/raw_items.h"
 #include "zxml/value_text.h"
 
 namespace {
-
-constexpr double kBytesPerGB = 1073741824.0;
 
 std::string Fixed(double number, int digits) {
   char text[64];
@@ -32,7 +34,7 @@ std::optional<std::int64_t> ReadBytes(const Tag& volume, const char* bytesKey, c
   return std::nullopt;
 }
 
-void AddQuantity(Tag& partition, const char* name, std::int64_t bytes) {
+void WriteQuantity(Tag& partition, const char* name, std::int64_t bytes) {
   const double gigabytes = static_cast<double>(bytes) / kBytesPerGB;
   const bool small = gigabytes < 1;
   const std::string shown = small ? Fixed(gigabytes * 1024, 1) : Fixed(gigabytes, 2);
@@ -47,27 +49,27 @@ VolumeSpace ReadVolumeSpace(const Tag& volumeItem) {
   return {ReadBytes(volumeItem, "size_in_bytes", "size"), ReadBytes(volumeItem, "free_space_in_bytes", "free_space")};
 }
 
-void AddSpaceQuantities(Tag& partitionTag, const VolumeSpace& space) {
-  if (space.size) AddQuantity(partitionTag, "size", *space.size);
-  if (space.free) AddQuantity(partitionTag, "free", *space.free);
-  if (space.size && space.free) AddQuantity(partitionTag, "used", Difference(*space.size, *space.free));
+void WriteSpaceQuantities(Tag& partitionTag, const VolumeSpace& space) {
+  if (space.size) WriteQuantity(partitionTag, "size", *space.size);
+  if (space.free) WriteQuantity(partitionTag, "free", *space.free);
+  if (space.size && space.free) WriteQuantity(partitionTag, "used", Difference(*space.size, *space.free));
 }
 
-void AddSpacePercentages(Tag& partitionTag, const VolumeSpace& space) {
+void WriteSpacePercentages(Tag& partitionTag, const VolumeSpace& space) {
   if (!space.free || space.size.value_or(0) == 0) return;
   const double size = static_cast<double>(*space.size) / kBytesPerGB;
   const double used = size - static_cast<double>(*space.free) / kBytesPerGB;
   const std::int64_t percent = TruncateToInt64(used / size * 100);
-  SetAttribute(partitionTag, "free%", MakeIntValue(Difference(100, percent)));
+  SetNumber(partitionTag, "free%", Difference(100, percent));
   Attribute* attribute = SetAttribute(partitionTag, "used%", MakeIntValue(percent), "pos", Fixed(used, 2).c_str());
   AddAttributeProperty(*attribute, "max", Fixed(size, 2));
   AddAttributeProperty(*attribute, "val-units", "GB");
 }
 
-void FillLogicalDisk(Tag& partitionTag, const Tag& volumeItem) {
+void WriteLogicalDisk(Tag& partitionTag, const Tag& volumeItem) {
   const VolumeSpace space = ReadVolumeSpace(volumeItem);
   AddTagProperty(partitionTag, "file-sys", TextOfKey(volumeItem, "file_system"));
-  AddSpaceQuantities(partitionTag, space);
+  WriteSpaceQuantities(partitionTag, space);
   CopyKey(volumeItem, partitionTag, {"mount_point", "mount-point"});
-  AddSpacePercentages(partitionTag, space);
+  WriteSpacePercentages(partitionTag, space);
 }

@@ -16,10 +16,10 @@ struct VolumeSpace {
 VolumeSpace ReadVolumeSpace(const Tag& volumeItem);
 
 // Sets "size", "free" and "used", each as far as it is known: megabytes below one binary gigabyte, else gigabytes.
-void AddSpaceQuantities(Tag& partitionTag, const VolumeSpace& space);
+void WriteSpaceQuantities(Tag& partitionTag, const VolumeSpace& space);
 
 // Sets "free%" and "used%", which add up to 100; nothing when one of the two is unknown or the size is 0.
-void AddSpacePercentages(Tag& partitionTag, const VolumeSpace& space);
+void WriteSpacePercentages(Tag& partitionTag, const VolumeSpace& space);
 
 // Completes the partition tag of a volume: its file system, space and mount point.
-void FillLogicalDisk(Tag& partitionTag, const Tag& volumeItem);
+void WriteLogicalDisk(Tag& partitionTag, const Tag& volumeItem);

@@ -1,5 +1,8 @@
 // "Memory": every slot with what is in it, and the total.
-#include "sections/items.h"
+#include <string>
+
+#include "sections/inventory_tags.h"
+#include "sections/raw_items.h"
 #include "sections/sections.h"
 #include "zxml/value_text.h"
 
@@ -8,16 +11,16 @@ namespace {
 void WriteSlot(Tag& memory, const Tag& slot, int number) {
   Tag* tag = GetOrAddChild(memory, "Memory-slot:" + std::to_string(number));
   const bool used = TextOfKey(slot, "dimm_status") == "ok";
-  SetAttribute(*tag, "used", FlagValue(used));
+  SetFlag(*tag, "used", used);
   if (!used) return;
   CopyKey(slot, *tag, {"dimm_manufacturer", "manuf"});
   if (HasKey(slot, "dimm_size")) {
     // deliberate: rounded to single precision before it is truncated
     const auto megabytes = static_cast<float>(ParseSizeMB(TextOfKey(slot, "dimm_size")));
-    SetAttribute(*tag, "capacity", MakeIntValue(TruncateToInt64(megabytes)));
+    SetNumber(*tag, "capacity", TruncateToInt64(megabytes));
   }
   CopyKey(slot, *tag, {"dimm_type", "mem-type"});
-  if (HasKey(slot, "dimm_speed")) SetAttribute(*tag, "speed", MakeTextValue(FirstWord(TextOfKey(slot, "dimm_speed"))));
+  if (HasKey(slot, "dimm_speed")) SetText(*tag, "speed", FirstWord(TextOfKey(slot, "dimm_speed")));
   CopyKey(slot, *tag, {"_name", "bank-label"});
 }
 
@@ -38,12 +41,11 @@ void WriteSlots(TagTree& inventoryTree, const Tag& items) {
 }  // namespace
 
 void BuildMemorySection(TagTree& inventoryTree, const TagTree& rawTree) {
-  const Tag* memory = FindChild(RootOf(rawTree), "SPMemoryDataType");
-  if (!memory) return;  // deliberate: without the memory data there is no total either
-  if (const Tag* items = FindItems(memory)) WriteSlots(inventoryTree, *items);
-  const Tag* hardware = FindItems(rawTree, "SPHardwareDataType");
+  // deliberate: without the memory data there is no total either
+  if (!FindChild(RootOf(rawTree), "SPMemoryDataType")) return;
+  if (const Tag* items = FindItems(rawTree, "SPMemoryDataType")) WriteSlots(inventoryTree, *items);
+  const Tag* hardware = FirstItem(rawTree, "SPHardwareDataType");
   if (!hardware) return;
-  const std::string& total = TextOfKey(*hardware->children.front(), "physical_memory");
-  SetAttribute(*GetOrAddInSection(inventoryTree, "Memory", "General-info"), "physical-memory",
-               MakeIntValue(TruncateToInt64(ParseSizeMB(total))));
+  const double megabytes = ParseSizeMB(TextOfKey(*hardware, "physical_memory"));
+  SetNumber(*GetOrAddInSection(inventoryTree, "Memory", "General-info"), "physical-memory", TruncateToInt64(megabytes));
 }

@@ -4,4 +4,4 @@
 #include "zxml/tag.h"
 
 // Decodes the EDID text (empty when it is not text) and sets the monitor's name and attributes from it.
-void AddMonitorEdidAttributes(Tag& monitorTag, const Attribute& edidAttribute);
+void WriteMonitorEdid(Tag& monitorTag, const Attribute& edidAttribute);

@@ -1,6 +1,10 @@
 // Turns the profiler's network services into the section "Network": for each its device, addresses, hardware address
 // with the vendor's prefix, and gateway.
-#include "sections/items.h"
+#include <cstddef>
+#include <string>
+
+#include "sections/inventory_tags.h"
+#include "sections/raw_items.h"
 #include "sections/sections.h"
 #include "zxml/value_text.h"
 
@@ -9,31 +13,29 @@ namespace {
 constexpr std::size_t kVendorPrefixLength = 8;  // three bytes and their separators
 constexpr KeyCopy kServiceCopies[] = {{"interface", "bsd-device-name"}, {"type", "type"}};
 
-// The texts of a list, separated by a comma and a blank; nothing without a list or with an empty one.
-void AddJoined(const Tag& service, const char* key, Tag& adapter, const char* name) {
+// Sets the attribute to the texts of a list, separated by a comma and a blank; nothing without a list or with an empty
+// one.
+void SetJoined(const Tag& service, const char* key, Tag& adapter, const char* name) {
   const Tag* list = FindChild(service, key);
   if (!list || list->attributes.empty()) return;
-  std::string joined;
-  for (const auto& element : list->attributes) {
-    if (element != list->attributes.front()) joined += ", ";
-    joined += TextOf(element.get());
-  }
-  SetAttribute(adapter, name, MakeTextValue(std::move(joined)));
+  std::string joined = TextOf(AttributeAt(*list, 0));
+  for (std::size_t i = 1; i < list->attributes.size(); ++i) joined += ", " + TextOf(AttributeAt(*list, i));
+  SetText(adapter, name, joined);
 }
 
-void AddHardwareAddress(const Tag& service, Tag& adapter) {
+void SetHardwareAddress(const Tag& service, Tag& adapter) {
   const Tag* ethernet = FindChild(service, "Ethernet");
   if (!ethernet || !HasKey(*ethernet, "MAC_Address")) return;
   const std::string address = DashedHardwareAddress(TextOfKey(*ethernet, "MAC_Address"));
-  SetAttribute(adapter, "manuf-by-mac", MakeTextValue(address.substr(0, kVendorPrefixLength)));
-  SetAttribute(adapter, "mac-address", MakeTextValue(address));
+  SetText(adapter, "manuf-by-mac", address.substr(0, kVendorPrefixLength));
+  SetText(adapter, "mac-address", address);
 }
 
-void AddAdapter(const Tag& service, Tag& adapter) {
+void WriteAdapter(const Tag& service, Tag& adapter) {
   CopyKeys(service, adapter, kServiceCopies);
-  AddJoined(service, "ip_address", adapter, "ip-address");
-  AddJoined(service, "SubnetMasks", adapter, "ip-subnet");
-  AddHardwareAddress(service, adapter);
+  SetJoined(service, "ip_address", adapter, "ip-address");
+  SetJoined(service, "SubnetMasks", adapter, "ip-subnet");
+  SetHardwareAddress(service, adapter);
   if (const Tag* ipv4 = FindChild(service, "IPv4")) CopyKey(*ipv4, adapter, {"Router", "default-gateway"});
 }
 
@@ -45,5 +47,5 @@ void BuildNetworkSection(TagTree& inventoryTree, const TagTree& rawTree) {
   Tag* adapters = GetOrAddInSection(inventoryTree, "Network", "Adapters");
   int number = 0;
   for (const auto& service : services->children)
-    AddAdapter(*service, *SetNamedChild(*adapters, "net-adapter:" + std::to_string(++number), *service));
+    WriteAdapter(*service, *SetNamedChild(*adapters, "net-adapter:" + std::to_string(++number), *service));
 }

@@ -2,25 +2,30 @@
 #include "sections/os.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
+#include <string>
 
-#include "sections/items.h"
+#include "main/collect/release_names.h"
+#include "sections/inventory_tags.h"
+#include "sections/raw_items.h"
 #include "sections/sections.h"
+#include "zxml/maker.h"
 #include "zxml/value_text.h"
 
 namespace {
 
-constexpr std::array<const char*, 12> kReleaseNames = {
-    "Mac OS X v10.0 (Cheetah)",      "Mac OS X v10.1 (Puma)",  "Mac OS X v10.2 (Jaguar)",
-    "Mac OS X v10.3 (Panther)",      "Mac OS X v10.4 (Tiger)", "Mac OS X v10.5 (Leopard)",
-    "Mac OS X v10.6 (Snow Leopard)", "Mac OS X v10.7 (Lion)",  "OS X v10.8 (Mountain Lion)",
-    "OS X v10.9 (Mavericks)",        "OS X v10.10 (Yosemite)", "OS X v10.11 (El Capitan)",
-};
-constexpr int kFirst64BitRelease = 7;
+constexpr int kFirst64BitRelease = 7;                             // Lion
+constexpr std::int64_t kMinute = 60, kHour = 3600, kDay = 86400;  // in seconds
+
+// Distances from the "OS X" of a version such as "OS X 10.9.5 (13F34)".
+constexpr std::uint32_t kToVersion = 5;      // "10.9.5 (13F34)"
+constexpr std::uint32_t kToMinorNumber = 8;  // "9.5 (13F34)"
+constexpr std::uint32_t kToUpdate = 2;       // from the minor number, as if it had one digit
 
 std::string From(const std::string& text, std::size_t start) {
   return start < text.size() ? text.substr(start) : std::string();
@@ -39,13 +44,13 @@ int MinorNumber(const std::string& tail) {
   return WholeNumber(tail.substr(0, end));
 }
 
-// deliberate: always from the third character on, as if the minor number had one digit
+// deliberate: always at the same distance, whatever the minor number
 std::string UpdateText(const std::string& tail) {
   const std::size_t blank = std::min(tail.find(' '), tail.size());
   if (tail.empty()) return std::string();
-  if (blank == 0) return "Version(build) " + From(tail, 2);
-  const std::uint32_t count = static_cast<std::uint32_t>(blank) - 2;  // deliberate: one character gives the whole rest
-  const std::string update = From(tail, 2).substr(0, count);
+  if (blank == 0) return "Version(build) " + From(tail, kToUpdate);
+  const std::uint32_t count = static_cast<std::uint32_t>(blank) - kToUpdate;  // deliberate: wraps at a single digit
+  const std::string update = From(tail, kToUpdate).substr(0, count);
   return update.empty() ? std::string() : "Update " + update;
 }
 
@@ -60,8 +65,8 @@ std::int64_t MultiplyWithinLimits(std::int64_t a, std::int64_t b) {
 }
 
 std::int64_t NextWeight(std::int64_t weight) {
-  if (weight == 3600) return 86400;
-  return weight < 3600 ? weight * 60 : weight;
+  if (weight == kHour) return kDay;
+  return weight < kHour ? weight * 60 : weight;
 }
 
 // Seconds in a text of colon-separated fields behind a word and a blank, read from its end.
@@ -95,12 +100,12 @@ const char* Architecture(const Tag& software, int minor) {
 OsRelease ReadOsRelease(const std::string& text) {
   // Positions are 32-bit: a search that fails wraps around when a distance is added (deliberate).
   const auto position = static_cast<std::uint32_t>(text.find("OS X"));
-  const std::string tail = From(text, position + std::uint32_t{8});
+  const std::string tail = From(text, position + kToMinorNumber);
   OsRelease release;
   release.minor = MinorNumber(tail);
   const bool known = release.minor >= 0 && release.minor < static_cast<int>(kReleaseNames.size());
   release.name = known ? kReleaseNames[static_cast<std::size_t>(release.minor)] : text;
-  release.version = From(text, position + std::uint32_t{5});
+  release.version = From(text, position + kToVersion);
   release.update = UpdateText(tail);
   return release;
 }
@@ -108,24 +113,23 @@ OsRelease ReadOsRelease(const std::string& text) {
 std::string FormatUptime(const std::string& text) {
   const std::int64_t total = UptimeSeconds(text);
   char interval[64];
-  std::snprintf(interval, sizeof interval, "%08lld%02d%02d%02d.000000:000", static_cast<long long>(total / 86400),
-                static_cast<int>(total % 86400 / 3600), static_cast<int>(total % 3600 / 60),
-                static_cast<int>(total % 3600 % 60));
+  std::snprintf(interval, sizeof interval, "%08lld%02d%02d%02d.000000:000", static_cast<long long>(total / kDay),
+                static_cast<int>(total % kDay / kHour), static_cast<int>(total % kHour / kMinute),
+                static_cast<int>(total % kMinute));
   return interval;
 }
 
 void BuildOsSection(TagTree& inventoryTree, const TagTree& rawTree) {
-  const Tag* items = FindItems(rawTree, "SPSoftwareDataType");
-  if (!items) return;
-  const Tag& software = *items->children.front();
-  const OsRelease release = ReadOsRelease(TextOfKey(software, "os_version"));
+  const Tag* software = FirstItem(rawTree, "SPSoftwareDataType");
+  if (!software) return;
+  const OsRelease release = ReadOsRelease(TextOfKey(*software, "os_version"));
   Tag* os = SetChildValue(*GetOrAddChild(RootOf(inventoryTree), "OS"), "os:1", MakeTextValue(release.name));
   AddTagProperty(*os, "kind", "mac");
-  SetAttribute(*os, "name", MakeTextValue(release.name));
-  SetAttribute(*os, "version", MakeTextValue(release.version));
-  if (!release.update.empty()) SetAttribute(*os, "update", MakeTextValue(release.update));
-  CopyKey(software, *os, {"kernel_version", "kernel"});
-  SetAttribute(*os, "manuf", MakeTextValue("Apple Inc."));
-  SetAttribute(*os, "uptime", MakeTextValue(FormatUptime(TextOfKey(software, "uptime"))));
-  SetAttribute(*os, "architecture", MakeTextValue(Architecture(software, release.minor)));
+  SetText(*os, "name", release.name);
+  SetText(*os, "version", release.version);
+  if (!release.update.empty()) SetText(*os, "update", release.update);
+  CopyKey(*software, *os, {"kernel_version", "kernel"});
+  SetText(*os, "manuf", kMaker);
+  SetText(*os, "uptime", FormatUptime(TextOfKey(*software, "uptime")));
+  SetText(*os, "architecture", Architecture(*software, release.minor));
 }

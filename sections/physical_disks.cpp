@@ -1,8 +1,13 @@
 // Turns the drives of four buses into "Storage" / "Physical-disks", and the volumes of each disk into "Logical-disks".
 // Disks, other drives and partitions are numbered in the order in which the buses list them.
+#include <cstdint>
+#include <string>
+#include <utility>
+
 #include "sections/core_storage.h"
-#include "sections/items.h"
+#include "sections/inventory_tags.h"
 #include "sections/logical_disks.h"
+#include "sections/raw_items.h"
 #include "sections/sections.h"
 #include "zxml/value_text.h"
 
@@ -18,6 +23,8 @@ struct Bus {
   const char* interface;  // of its disks
   MediaType mediaType;    // deliberate: a number on some buses, text on another
 };
+
+constexpr int kFixedMedium = 3;  // the media type of every disk
 
 constexpr Bus kBuses[] = {
     {"SPSerialATADataType", 1, Drives::BySmartStatus, "SATA", MediaType::Number},
@@ -46,12 +53,12 @@ Tag* AddDriveTag(Walk& walk, const char* base, int& number) {
 }
 
 // Whole decimal gigabytes, cut off from a byte count but rounded from a text; the bytes as a property.
-void AddSize(const Tag& device, Tag& disk) {
+void SetSize(const Tag& device, Tag& disk) {
   std::int64_t bytes = 0;
   double gigabytes = 0;
   if (HasKey(device, "size_in_bytes")) {
     bytes = IntegerOfKey(device, "size_in_bytes");
-    gigabytes = static_cast<double>(static_cast<std::uint64_t>(bytes)) / 1000 / 10000000 * 10;
+    gigabytes = static_cast<double>(static_cast<std::uint64_t>(bytes)) / 1000 / 10000000 * 10;  // in these steps
   } else if (HasKey(device, "size")) {
     bytes = ParseSizeBytes(TextOfKey(device, "size"));
     gigabytes = SizeToDecimalGB(TextOfKey(device, "size"), true);
@@ -61,51 +68,55 @@ void AddSize(const Tag& device, Tag& disk) {
   SetAttribute(disk, "size", MakeIntValue(TruncateToInt64(gigabytes)), "base-value", std::to_string(bytes).c_str());
 }
 
-void AddPartition(Walk& walk, const Tag& volume) {
+void WritePartition(Walk& walk, const Tag& volume) {
   Tag* partitions = GetOrAddInSection(walk.inventoryTree, "Storage", "Logical-disks");
   Tag* partition = SetNamedChild(*partitions, "partition:" + std::to_string(walk.partition++), volume);
   if (TextOfKey(volume, "iocontent") == "Apple_CoreStorage") {
-    if (ResolveCoreStorage(walk.rawTree, *partition)) return;
+    if (WriteCoreStorageVolume(walk.rawTree, *partition)) return;
     AddTagProperty(*partition, "kind", "encrypted");
   }
-  FillLogicalDisk(*partition, volume);
+  WriteLogicalDisk(*partition, volume);
 }
 
 // The number of partitions that the disk's volumes became.
-int AddPartitions(Walk& walk, const Tag& device) {
+int WritePartitions(Walk& walk, const Tag& device) {
   const Tag* volumes = FindChild(device, "volumes");
   if (!volumes) return 0;
   const int first = walk.partition;
   for (const auto& volume : volumes->children)
-    if (HasKey(*volume, "_name")) AddPartition(walk, *volume);
+    if (HasKey(*volume, "_name")) WritePartition(walk, *volume);
   return walk.partition - first;
 }
 
-void AddDisk(Walk& walk, const Bus& bus, const Tag& device) {
-  Tag* disk = AddDriveTag(walk, "HDD:", walk.disk);
-  CopyKey(device, *disk, {"device_model", "model"});
-  SetAttribute(*disk, "interface", MakeTextValue(bus.interface));
-  SetAttribute(*disk, "mediatype", bus.mediaType == MediaType::Number ? MakeIntValue(3) : MakeTextValue("3"), "type",
-               "media-type");
-  AddSize(device, *disk);
-  CopyKey(device, *disk, {"device_serial", "serial"});
-  CopyKey(device, *disk, {"device_revision", "fw-rev"});
-  SetAttribute(*disk, "partitions", MakeIntValue(AddPartitions(walk, device)));
+void SetMediaType(Tag& disk, MediaType type) {
+  Value value = type == MediaType::Number ? MakeIntValue(kFixedMedium) : MakeTextValue(std::to_string(kFixedMedium));
+  SetAttribute(disk, "mediatype", std::move(value), "type", "media-type");
 }
 
-void AddDrive(Walk& walk, const Bus& bus, const Tag& device) {
-  if (IsDisk(device, bus)) return AddDisk(walk, bus, device);
+void WriteDisk(Walk& walk, const Bus& bus, const Tag& device) {
+  Tag* disk = AddDriveTag(walk, "HDD:", walk.disk);
+  CopyKey(device, *disk, {"device_model", "model"});
+  SetText(*disk, "interface", bus.interface);
+  SetMediaType(*disk, bus.mediaType);
+  SetSize(device, *disk);
+  CopyKey(device, *disk, {"device_serial", "serial"});
+  CopyKey(device, *disk, {"device_revision", "fw-rev"});
+  SetNumber(*disk, "partitions", WritePartitions(walk, device));
+}
+
+void WriteDrive(Walk& walk, const Bus& bus, const Tag& device) {
+  if (IsDisk(device, bus)) return WriteDisk(walk, bus, device);
   CopyKey(device, *AddDriveTag(walk, "CD:", walk.other), {"device_model", "model"});
 }
 
-void AddDrivesBelow(Walk& walk, const Bus& bus, const Tag* holder, int levels) {
-  const Tag* items = FindItems(holder);
-  if (!items) return;
-  for (const auto& item : items->children) {
-    if (levels > 0)
-      AddDrivesBelow(walk, bus, item.get(), levels - 1);
-    else
-      AddDrive(walk, bus, *item);
+// `levels`: how many of items lie between these and the devices.
+void WriteDrives(Walk& walk, const Bus& bus, const Tag& items, int levels) {
+  for (const auto& item : items.children) {
+    const Tag* below = FindChild(*item, "_items");
+    if (levels == 0)
+      WriteDrive(walk, bus, *item);
+    else if (below)
+      WriteDrives(walk, bus, *below, levels - 1);
   }
 }
 
@@ -113,5 +124,6 @@ void AddDrivesBelow(Walk& walk, const Bus& bus, const Tag* holder, int levels) {
 
 void BuildPhysicalDisksSection(TagTree& inventoryTree, const TagTree& rawTree) {
   Walk walk{inventoryTree, rawTree};
-  for (const Bus& bus : kBuses) AddDrivesBelow(walk, bus, FindChild(RootOf(rawTree), bus.dataType), bus.levels);
+  for (const Bus& bus : kBuses)
+    if (const Tag* items = FindItems(rawTree, bus.dataType)) WriteDrives(walk, bus, *items, bus.levels);
 }

@@ -1,6 +1,9 @@
 // Turns the profiler's printing devices into "Peripherals": printers, some of which also scan or fax, and scanners that
 // are nothing else.
-#include "sections/items.h"
+#include <string>
+
+#include "sections/inventory_tags.h"
+#include "sections/raw_items.h"
 #include "sections/sections.h"
 
 namespace {
@@ -16,28 +19,27 @@ constexpr KeyCopy kScannerCopies[] = {
     {"scannerappversion", "scanner-app-version"},
 };
 
-// Anything but the word "no" is a yes.
-bool IsNotNo(const Tag& item, const char* key) { return TextOfKey(item, key) != "no"; }
+constexpr Yes kYes = Unless("no");
 
-void AddScannerOfPrinter(const Tag& item, Tag& printer) {
-  if (!HasKey(item, "scanner") || !IsNotNo(item, "scanner")) return;
+void WriteScannerOfPrinter(const Tag& item, Tag& printer) {
+  if (!HasKey(item, "scanner") || !SaysYes(item, "scanner", kYes)) return;
   AddTagProperty(printer, "kind", "MFP");
   CopyKey(item, printer, {"scannerUUID", "scanner-uuid"});
   const char* path = HasKey(item, "scannerapppath") ? "scannerapppath" : "scannerappbundlepath";
   CopyKey(item, printer, {path, "scanner-app-path"});
 }
 
-void AddPrinter(const Tag& item, Tag& printer) {
-  SetAttribute(printer, "is-default", FlagValue(IsNotNo(item, "default")));
+void WritePrinter(const Tag& item, Tag& printer) {
+  CopyFlag(item, printer, {"default", "is-default"}, kYes);
   CopyKey(item, printer, {"status", "status"});
-  AddScannerOfPrinter(item, printer);
-  if (HasKey(item, "fax")) SetAttribute(printer, "is-fax", FlagValue(IsNotNo(item, "fax")));
+  WriteScannerOfPrinter(item, printer);
+  CopyFlag(item, printer, {"fax", "is-fax"}, kYes);
   CopyKeys(item, printer, kDriverCopies);
 }
 
-// The tag of the next device of a kind.
-Tag& AddDevice(TagTree& inventoryTree, const char* list, const std::string& name, const Tag& item) {
-  return *SetNamedChild(*GetOrAddInSection(inventoryTree, "Peripherals", list), name, item);
+// The tag of one device in a list of its kind.
+Tag* AddDevice(TagTree& inventoryTree, const char* list, const std::string& name, const Tag& item) {
+  return SetNamedChild(*GetOrAddInSection(inventoryTree, "Peripherals", list), name, item);
 }
 
 }  // namespace
@@ -45,12 +47,14 @@ Tag& AddDevice(TagTree& inventoryTree, const char* list, const std::string& name
 void BuildPrintersSection(TagTree& inventoryTree, const TagTree& rawTree) {
   const Tag* items = FindItems(rawTree, "SPPrintersDataType");
   if (!items) return;
-  int printer = 0, scanner = 0;
+  int printers = 0;
+  int scanners = 0;
   for (const auto& item : items->children) {
-    if (HasKey(*item, "default"))
-      AddPrinter(*item, AddDevice(inventoryTree, "Printers", "Printer:" + std::to_string(++printer), *item));
-    else if (TextOfKey(*item, "scanner") == "yes")
-      CopyKeys(*item, AddDevice(inventoryTree, "Scanners", "Scanner:" + std::to_string(++scanner), *item),
-               kScannerCopies);
+    if (HasKey(*item, "default")) {
+      WritePrinter(*item, *AddDevice(inventoryTree, "Printers", "Printer:" + std::to_string(++printers), *item));
+    } else if (SaysYes(*item, "scanner", OnlyBy("yes"))) {
+      Tag* scanner = AddDevice(inventoryTree, "Scanners", "Scanner:" + std::to_string(++scanners), *item);
+      CopyKeys(*item, *scanner, kScannerCopies);
+    }
   }
 }

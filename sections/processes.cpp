@@ -1,4 +1,7 @@
 // "Processes": the process list of the raw tree, copied whole.
+#include <memory>
+#include <utility>
+
 #include "sections/sections.h"
 
 void BuildProcessesSection(TagTree& inventoryTree, const TagTree& rawTree) {

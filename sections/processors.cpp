@@ -1,11 +1,16 @@
 // "Processors": one child for each processor package, all of them described by the same hardware data.
-#include "sections/items.h"
+#include <cstdint>
+#include <string>
+#include <utility>
+
+#include "sections/inventory_tags.h"
+#include "sections/raw_items.h"
 #include "sections/sections.h"
 #include "zxml/value_text.h"
 
 namespace {
 
-constexpr std::int64_t kMaxPackages = 4096;
+constexpr std::int64_t kMaxPackages = 4096;  // above it the number is not believed
 
 std::int64_t CoreCount(const Tag& hardware) {
   for (const char* key : {"number_processors", "number_cpus"})
@@ -49,30 +54,27 @@ std::int64_t Megahertz(const std::string& speed) {
   return TruncateToInt64(static_cast<float>(NumberAtStart(FirstWord(speed))) * 1000.0f);
 }
 
-void WriteProcessor(TagTree& inventoryTree, const Tag& hardware, std::int64_t number, std::int64_t packages) {
+void WriteProcessor(Tag& processors, const Tag& hardware, std::int64_t number, std::int64_t packages) {
   const std::string n = std::to_string(number);
-  Tag* processors = GetOrAddChild(RootOf(inventoryTree), "Processors");
-  Tag* processor =
-      SetChildValue(*processors, "Processor:" + n,
-                    HasKey(hardware, "cpu_type") ? CopyOfKey(hardware, "cpu_type") : MakeTextValue("CPU #" + n));
+  Value type = HasKey(hardware, "cpu_type") ? CopyOfKey(hardware, "cpu_type") : MakeTextValue("CPU #" + n);
+  Tag* processor = SetChildValue(processors, "Processor:" + n, std::move(type));
   const std::int64_t cores = CoreCount(hardware);
-  SetAttribute(*processor, "core-count", MakeIntValue(cores));
+  SetNumber(*processor, "core-count", cores);
   for (const CacheKey& cache : kCacheKeys) {
     if (!HasKey(hardware, cache.key)) continue;
     const double kilobytes = ParseSizeKB(TextOfKey(hardware, cache.key));
-    SetAttribute(*processor, cache.attribute, MakeIntValue(CacheKilobytes(kilobytes, cache.share, cores, packages)));
+    SetNumber(*processor, cache.attribute, CacheKilobytes(kilobytes, cache.share, cores, packages));
   }
-  SetAttribute(*processor, "current-clock-speed",
-               MakeIntValue(Megahertz(TextOfKey(hardware, "current_processor_speed"))));
+  SetNumber(*processor, "current-clock-speed", Megahertz(TextOfKey(hardware, "current_processor_speed")));
 }
 
 }  // namespace
 
 void BuildProcessorsSection(TagTree& inventoryTree, const TagTree& rawTree) {
-  const Tag* items = FindItems(rawTree, "SPHardwareDataType");
-  if (!items) return;
-  const Tag& hardware = *items->children.front();
-  const std::int64_t packages = HasKey(hardware, "packages") ? IntegerOfKey(hardware, "packages") : 1;
-  if (packages > kMaxPackages) return;
-  for (std::int64_t n = 1; n <= packages; ++n) WriteProcessor(inventoryTree, hardware, n, packages);
+  const Tag* hardware = FirstItem(rawTree, "SPHardwareDataType");
+  if (!hardware) return;
+  const std::int64_t packages = HasKey(*hardware, "packages") ? IntegerOfKey(*hardware, "packages") : 1;
+  if (packages < 1 || packages > kMaxPackages) return;
+  Tag* processors = GetOrAddChild(RootOf(inventoryTree), "Processors");
+  for (std::int64_t n = 1; n <= packages; ++n) WriteProcessor(*processors, *hardware, n, packages);
 }

@@ -1,9 +1,15 @@
 // "Software": the installed applications.
-#include "sections/items.h"
+#include <cstddef>
+#include <string>
+
+#include "sections/inventory_tags.h"
+#include "sections/raw_items.h"
 #include "sections/sections.h"
 #include "sections/software_sort.h"
 
 namespace {
+
+constexpr std::size_t kDayLength = 8;  // "20150102" of a full date
 
 void WriteApplication(Tag& software, const Tag& item) {
   const std::string& name = TextOfKey(item, "_name");
@@ -11,26 +17,23 @@ void WriteApplication(Tag& software, const Tag& item) {
       HasKey(item, "version") ? "Soft:" + name + " " + TextOfKey(item, "version") : "Soft:" + name;
   Tag* tag = SetChildValue(software, tagName, MakeTextValue(name));
   CopyKey(item, *tag, {"version", "version"});
-  if (HasKey(item, "app_store")) SetAttribute(*tag, "app-store", FlagValue(TextOfKey(item, "app_store") != "no"));
-  if (HasKey(item, "lastModified"))
-    SetAttribute(*tag, "inst-date", MakeTextValue(TextOfKey(item, "lastModified").substr(0, 8)));
+  CopyFlag(item, *tag, {"app_store", "app-store"}, Unless("no"));
+  if (HasKey(item, "lastModified")) SetText(*tag, "inst-date", TextOfKey(item, "lastModified").substr(0, kDayLength));
   CopyKey(item, *tag, {"runtime_environment", "runtime-environment"});
   CopyKey(item, *tag, {"info", "info"});
   if (!HasKey(item, "has64BitIntelCode"))
-    SetAttribute(*tag, "64bit-app", FlagValue(true), "type", "unknown");
-  else if (TextOfKey(item, "has64BitIntelCode") == "yes")
-    SetAttribute(*tag, "64bit-app", FlagValue(true));
+    SetAttribute(*tag, "64bit-app", MakeTextValue("1"), "type", "unknown");
+  else if (SaysYes(item, "has64BitIntelCode", OnlyBy("yes")))
+    SetFlag(*tag, "64bit-app", true);
   CopyKey(item, *tag, {"path", "location"});
 }
 
 }  // namespace
 
 void BuildSoftwareSection(TagTree& inventoryTree, const TagTree& rawTree) {
-  const Tag* applications = FindChild(RootOf(rawTree), "SPApplicationsDataType");
-  if (!applications) return;
+  if (!FindChild(RootOf(rawTree), "SPApplicationsDataType")) return;
   Tag* software = GetOrAddChild(RootOf(inventoryTree), "Software");
-  const Tag* items = FindItems(applications);
-  if (!items) return;
-  for (const auto& item : items->children) WriteApplication(*software, *item);
+  if (const Tag* items = FindItems(rawTree, "SPApplicationsDataType"))
+    for (const auto& item : items->children) WriteApplication(*software, *item);
   SortSoftware(inventoryTree, "Software");
 }

@@ -1,7 +1,8 @@
 // A quicksort that leaves ranges of one or two children as they are.
 #include "sections/software_sort.h"
 
-#include <utility>
+#include <cstddef>
+#include <string>
 #include <vector>
 
 #include "zxml/value_text.h"
@@ -9,7 +10,8 @@
 namespace {
 
 struct Range {
-  std::ptrdiff_t low, high;  // both inclusive
+  std::ptrdiff_t low;
+  std::ptrdiff_t high;  // both inclusive
 };
 
 const std::string& KeyAt(const Tag& tag, std::ptrdiff_t index) {
@@ -19,7 +21,8 @@ const std::string& KeyAt(const Tag& tag, std::ptrdiff_t index) {
 // Splits a range around its middle child and adds what is left to sort to `ranges`.
 void Partition(Tag& tag, Range range, std::vector<Range>& ranges) {
   const std::string& pivot = KeyAt(tag, range.low + (range.high - range.low) / 2);
-  std::ptrdiff_t i = range.low, j = range.high;
+  std::ptrdiff_t i = range.low;
+  std::ptrdiff_t j = range.high;
   do {
     while (i < range.high && CompareNoCase(KeyAt(tag, i), pivot) < 0) ++i;
     while (j >= 1 && CompareNoCase(KeyAt(tag, j), pivot) > 0) --j;

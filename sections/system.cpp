@@ -1,23 +1,31 @@
 // "System": the computer's model, its chassis, a short view of its memory slots, and its power profiles.
+#include <cstddef>
+#include <string>
+
 #include "main/collect/command_runner.h"
-#include "sections/items.h"
+#include "sections/inventory_tags.h"
+#include "sections/raw_items.h"
 #include "sections/sections.h"
+#include "zxml/maker.h"
 #include "zxml/value_text.h"
 
 namespace {
 
+Value PlatformUuid(const Tag& hardware) {
+  if (HasKey(hardware, "platform_UUID")) return CopyOfKey(hardware, "platform_UUID");
+  return MakeTextValue(RunCommand(kPlatformUuidCommand, kPlatformUuidChunk));
+}
+
 void WriteComputer(TagTree& inventoryTree, const Tag& hardware) {
   Tag* computer = GetOrAddInSection(inventoryTree, "System", "Computer-system");
-  const bool hasModel = HasKey(hardware, "machine_model"), hasUuid = HasKey(hardware, "platform_UUID");
-  SetAttribute(*computer, "model", hasModel ? CopyOfKey(hardware, "machine_model") : MakeTextValue(""));
-  SetAttribute(*computer, "uuid",
-               hasUuid ? CopyOfKey(hardware, "platform_UUID")
-                       : MakeTextValue(RunCommand(kPlatformUuidCommand, kPlatformUuidChunk)));
+  SetText(*computer, "model", "");
+  CopyKey(hardware, *computer, {"machine_model", "model"});
+  SetAttribute(*computer, "uuid", PlatformUuid(hardware));
 }
 
 void WriteChassis(TagTree& inventoryTree, const Tag& hardware) {
   Tag* chassis = GetOrAddInSection(inventoryTree, "System", "Chassis");
-  SetAttribute(*chassis, "manuf", MakeTextValue("Apple Inc."));
+  SetText(*chassis, "manuf", kMaker);
   CopyKey(hardware, *chassis, {"serial_number", "serial"});
 }
 
@@ -25,7 +33,7 @@ void WriteSlot(TagTree& inventoryTree, const Tag& slot, std::size_t number) {
   Tag* slots = GetOrAddInSection(inventoryTree, "System", "Mem-slots");
   Tag* tag = AddComplexChild(*slots, "mem-slot:" + std::to_string(number));
   const bool used = TextOfKey(slot, "dimm_status") == "ok";
-  SetAttribute(*tag, "used", FlagValue(used));
+  SetFlag(*tag, "used", used);
   if (!used) return;
   const std::string& size = TextOfKey(slot, "dimm_size");
   SetAttribute(*tag, "capacity", MakeIntValue(TruncateToInt64(ParseSizeMB(size))), "base-value",
@@ -62,9 +70,7 @@ constexpr KeyCopy kPowerFlags[] = {
 
 void WritePowerSettings(const Tag& profile, Tag& target) {
   CopyKeys(profile, target, kTimers);
-  for (const KeyCopy& flag : kPowerFlags)
-    if (HasKey(profile, flag.key))
-      SetAttribute(target, flag.attribute, FlagValue(TextOfKey(profile, flag.key) == "Yes"));
+  CopyFlags(profile, target, kPowerFlags, OnlyBy("Yes"));
 }
 
 void WriteProfile(TagTree& inventoryTree, const Tag& profile, std::size_t number) {
@@ -87,12 +93,13 @@ const Tag* FindPowerInformation(const TagTree& rawTree) {
 }  // namespace
 
 void BuildSystemSection(TagTree& inventoryTree, const TagTree& rawTree) {
-  if (const Tag* hardware = FindItems(rawTree, "SPHardwareDataType")) {
-    WriteComputer(inventoryTree, *hardware->children.front());
-    WriteChassis(inventoryTree, *hardware->children.front());
+  if (const Tag* hardware = FirstItem(rawTree, "SPHardwareDataType")) {
+    WriteComputer(inventoryTree, *hardware);
+    WriteChassis(inventoryTree, *hardware);
   }
   if (const Tag* memory = FindItems(rawTree, "SPMemoryDataType")) WriteSlots(inventoryTree, *memory);
   const Tag* power = FindPowerInformation(rawTree);
-  for (std::size_t j = 0; power && j < power->children.size(); ++j)
-    WriteProfile(inventoryTree, *power->children[j], j + 1);
+  if (!power) return;
+  std::size_t number = 0;
+  for (const auto& profile : power->children) WriteProfile(inventoryTree, *profile, ++number);
 }

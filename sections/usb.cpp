@@ -2,18 +2,25 @@
 // volumes, every other device at the end of a branch to "Peripherals" / "USB". Hubs and controllers are only walked.
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
 
 #include "main/collect/command_runner.h"
-#include "sections/items.h"
+#include "sections/inventory_tags.h"
 #include "sections/logical_disks.h"
+#include "sections/raw_items.h"
 #include "sections/sections.h"
 #include "zxml/value_text.h"
 
 namespace {
 
-constexpr std::size_t kDiskutilChunk = 200;
-constexpr char kModelLabel[] = "Device / Media Name:";
+constexpr std::size_t kDiskutilChunk = 200;  // bytes read at a time
+constexpr std::string_view kModelLabel = "Device / Media Name:";
+constexpr std::string_view kMedia = " Media";
+constexpr char kRemovableMedium[] = "2";  // the media type of every removable disk
 
 constexpr KeyCopy kStickCopies[] = {
     {"bcd_device", "bcd-device"},         {"serial_num", "serial"},
@@ -43,7 +50,8 @@ constexpr Speed kPeripheralSpeeds[] = {
     {"super_speed", "5", "Gbit-s"},
 };
 
-// Mac OS X 10.5 puts a letter and an underscore in front of each key.
+// Mac OS X 10.5 puts a letter and an underscore in front of what a device says of itself, as in "a_product_id", but not
+// of every key: "bsd_name" is "bsd_name".
 std::string_view WithoutLetter(std::string_view key) { return key.size() > 1 && key[1] == '_' ? key.substr(2) : key; }
 
 template <std::size_t N>
@@ -53,9 +61,10 @@ void CopyListed(const Attribute& source, Tag& target, const KeyCopy (&copies)[N]
     if (key == copy.key) SetAttribute(target, copy.attribute, CopyValue(source.value));
 }
 
-const char* StickSpeed(const std::string& speed) {  // deliberate: codes, unlike the speeds of peripherals
-  if (speed == "full_speed") return "1";
-  return speed == "low_speed" ? "0" : "2";
+// deliberate: codes, unlike the speeds of peripherals
+const char* StickSpeed(const std::string& speed) {
+  if (speed == "low_speed") return "0";
+  return speed == "full_speed" ? "1" : "2";
 }
 
 void SetPeripheralSpeed(Tag& device, const std::string& name) {
@@ -64,18 +73,21 @@ void SetPeripheralSpeed(Tag& device, const std::string& name) {
       SetAttribute(device, "device-speed", MakeTextValue(speed.shown), speed.units ? "units" : nullptr, speed.units);
 }
 
+// Cut off to whole gigabytes; above 11 of them a fraction above 0.4 counts as a whole.
+double StickGigabytes(const std::string& size) {
+  const double gigabytes = ParseSizeGB(size);
+  return gigabytes > 11.0 && std::fmod(gigabytes, 1.0) > 0.4 ? gigabytes + 1.0 : gigabytes;
+}
+
 void SetStickSize(Tag& stick, const Tag& item, const Attribute& size) {
   if (size.value.kind != ValueKind::String) return;
-  double gigabytes = ParseSizeGB(size.value.text);
-  if (gigabytes > 11.0 && std::fmod(gigabytes, 1.0) > 0.4) gigabytes += 1.0;  // deliberate: small sticks stay cut off
-  Attribute* attribute = SetAttribute(stick, "size", MakeIntValue(TruncateToInt64(gigabytes)));
+  Attribute* attribute = SetAttribute(stick, "size", MakeIntValue(TruncateToInt64(StickGigabytes(size.value.text))));
   if (HasKey(item, "size_in_bytes"))
     AddAttributeProperty(*attribute, "base-value", std::to_string(IntegerOfKey(item, "size_in_bytes")));
 }
 
 // Where the first " Media" at the end of a line begins.
 std::size_t FindMediaAtLineEnd(const std::string& text) {
-  constexpr std::string_view kMedia = " Media";
   std::size_t at = text.find(kMedia);
   while (at != std::string::npos && at + kMedia.size() < text.size() && text[at + kMedia.size()] != '\n')
     at = text.find(kMedia, at + 1);
@@ -86,7 +98,7 @@ std::size_t FindMediaAtLineEnd(const std::string& text) {
 std::optional<std::string> ModelOf(const std::string& report) {
   const std::size_t label = report.find(kModelLabel);
   if (label == std::string::npos) return std::nullopt;
-  const std::string rest = report.substr(label + sizeof kModelLabel - 1);
+  const std::string rest = report.substr(label + kModelLabel.size());
   std::size_t end = FindMediaAtLineEnd(rest);
   if (end == std::string::npos) end = rest.find(" Volume Name: ");
   if (end == std::string::npos) end = rest.find('\n');
@@ -109,7 +121,7 @@ void SetStickModel(Tag& stick, const std::string& bsdName) {
 void SetStickAttribute(Tag& stick, const Tag& item, const Attribute& source) {
   const std::string_view key = WithoutLetter(source.name);
   if (key == "device_speed")
-    SetAttribute(stick, "device-speed", MakeTextValue(StickSpeed(TextOf(&source))));
+    SetText(stick, "device-speed", StickSpeed(TextOf(&source)));
   else if (key == "size")
     SetStickSize(stick, item, source);
   else if (key == "bsd_name")
@@ -118,38 +130,38 @@ void SetStickAttribute(Tag& stick, const Tag& item, const Attribute& source) {
     CopyListed(source, stick, kStickCopies);
 }
 
-void AddStickVolume(Tag& partitions, const Tag& volume) {
+void WriteStickVolume(Tag& partitions, const Tag& volume) {
   const int number = NextFreeNumber(partitions, "partition:");
   Tag* partition = SetNamedChild(partitions, "partition:" + std::to_string(number), volume);
   const VolumeSpace space = ReadVolumeSpace(volume);
   CopyKeys(volume, *partition, kStickVolumeCopies);
-  AddSpaceQuantities(*partition, space);
-  AddSpacePercentages(*partition, space);
+  WriteSpaceQuantities(*partition, space);
+  WriteSpacePercentages(*partition, space);
 }
 
 // The number of mounted volumes, each of which became a partition.
-int AddStickVolumes(TagTree& inventoryTree, const Tag& item) {
+int WriteStickVolumes(TagTree& inventoryTree, const Tag& item) {
   const Tag* volumes = FindChild(item, "volumes");
   if (!volumes) return 0;
   int count = 0;
   for (const auto& volume : volumes->children) {
     if (!HasKey(*volume, "_name") || !HasKey(*volume, "free_space")) continue;
-    AddStickVolume(*GetOrAddInSection(inventoryTree, "Storage", "Logical-disks"), *volume);
+    WriteStickVolume(*GetOrAddInSection(inventoryTree, "Storage", "Logical-disks"), *volume);
     ++count;
   }
   return count;
 }
 
-void AddStick(TagTree& inventoryTree, const Tag& item) {
+void WriteStick(TagTree& inventoryTree, const Tag& item) {
   Tag* disks = GetOrAddInSection(inventoryTree, "Storage", "Physical-disks");
   Tag* stick = SetNamedChild(*disks, "Removable:" + std::to_string(NextFreeNumber(*disks, "Removable:")), item);
-  SetAttribute(*stick, "media-type", MakeTextValue("2"));
+  SetText(*stick, "media-type", kRemovableMedium);
   for (const auto& attribute : item.attributes) SetStickAttribute(*stick, item, *attribute);
-  SetAttribute(*stick, "interface", MakeTextValue("USB"));
-  SetAttribute(*stick, "partitions", MakeIntValue(AddStickVolumes(inventoryTree, item)));
+  SetText(*stick, "interface", "USB");
+  SetNumber(*stick, "partitions", WriteStickVolumes(inventoryTree, item));
 }
 
-void AddPeripheral(TagTree& inventoryTree, const Tag& item, int number) {
+void WritePeripheral(TagTree& inventoryTree, const Tag& item, int number) {
   Tag* devices = GetOrAddInSection(inventoryTree, "Peripherals", "USB");
   Tag* device = SetNamedChild(*devices, "Device:" + std::to_string(number), item);
   for (const auto& attribute : item.attributes) {
@@ -161,11 +173,15 @@ void AddPeripheral(TagTree& inventoryTree, const Tag& item, int number) {
 }
 
 // `counter` is the number of the last peripheral, over the whole tree of devices.
-void AddUsbItem(TagTree& inventoryTree, const Tag& item, int& counter) {
-  if (TextOfKey(item, "removable_media") == "yes") return AddStick(inventoryTree, item);
+void WriteUsbItem(TagTree& inventoryTree, const Tag& item, int& counter) {
   const Tag* below = FindChild(item, "_items");
-  if (!below) return AddPeripheral(inventoryTree, item, ++counter);
-  for (const auto& child : below->children) AddUsbItem(inventoryTree, *child, counter);
+  if (SaysYes(item, "removable_media", OnlyBy("yes"))) {
+    WriteStick(inventoryTree, item);
+  } else if (!below) {
+    WritePeripheral(inventoryTree, item, ++counter);
+  } else {
+    for (const auto& child : below->children) WriteUsbItem(inventoryTree, *child, counter);
+  }
 }
 
 }  // namespace
@@ -174,5 +190,5 @@ void BuildUsbSection(TagTree& inventoryTree, const TagTree& rawTree) {
   const Tag* items = FindItems(rawTree, "SPUSBDataType");
   if (!items) return;
   int counter = 0;
-  for (const auto& item : items->children) AddUsbItem(inventoryTree, *item, counter);
+  for (const auto& item : items->children) WriteUsbItem(inventoryTree, *item, counter);
 }

@@ -1,17 +1,18 @@
 // "User-accounts": the folders below /Users that the directory service knows as users.
 #include <sys/stat.h>
 
-#include <algorithm>
+#include <cstddef>
+#include <string>
 #include <string_view>
 
 #include "main/collect/command_runner.h"
-#include "sections/items.h"
+#include "sections/inventory_tags.h"
 #include "sections/sections.h"
 #include "zxml/value_text.h"
 
 namespace {
 
-constexpr std::size_t kChunk = 100;
+constexpr std::size_t kChunk = 100;  // bytes read at a time
 constexpr char kListCommand[] = "ls -1 /Users/";
 constexpr int kListRunsElsewhere = 5;  // where there is no /Users, on a machine that is not a Mac
 
@@ -75,9 +76,9 @@ void WriteAccount(Tag& accounts, std::string_view record, std::string_view folde
   if (!FieldOf(record, "RecordName:", "RecordType:", value)) return;
   Tag* account = SetChildValue(accounts, SafeTagName("usr-acc:" + value), MakeTextValue(value));
   for (const RecordField& field : kFields)
-    if (FieldOf(record, field.key, field.end, value)) SetAttribute(*account, field.attribute, MakeTextValue(value));
-  SetAttribute(*account, "hdir", MakeTextValue("/users/" + std::string(folder)));
-  SetAttribute(*account, "is-system-user", FlagValue(false));
+    if (FieldOf(record, field.key, field.end, value)) SetText(*account, field.attribute, value);
+  SetText(*account, "hdir", "/users/" + std::string(folder));
+  SetFlag(*account, "is-system-user", false);
 }
 
 void WriteFolder(TagTree& inventoryTree, std::string_view folder) {

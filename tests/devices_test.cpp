@@ -183,7 +183,7 @@ TEST(LogicalDisks, QuantitiesAndPercentages) {
   for (const auto& c : cases) {
     const TagTree raw = RawTree(DataType("V", Item(c.volume)));
     TagTree tree = CreateTree(true, "P");
-    FillLogicalDisk(RootOf(tree), *FindChild(*FindChild(*FindChild(RootOf(raw), "V"), "_items"), "item0"));
+    WriteLogicalDisk(RootOf(tree), *FindChild(*FindChild(*FindChild(RootOf(raw), "V"), "_items"), "item0"));
     EXPECT_EQ(OneLine(TextOfTree(tree)), std::string("*P=;~file-sys=;") + c.text);
   }
 }

@@ -1,12 +1,12 @@
 // Writes the AssetInfo tree from the identity, the asset summary and a few values of the inventory tree.
 #include "zxml/asset_info.h"
 
+#include "zxml/maker.h"
 #include "zxml/value_text.h"
 
 namespace {
 
 constexpr char kAssetTag[] = "1234567890000";  // deliberate: the same for every asset
-constexpr char kMaker[] = "Apple Inc.";
 
 void Set(TagTree& tree, const char* path, const std::string& text) {
   SetAttributeByPath(tree, path, MakeTextValue(text));

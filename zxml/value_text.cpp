@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr double kBytesPerGB = 1073741824.0;
-
 struct UnitScale {
   const char* unit;
   double kilobytes;

@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+constexpr double kBytesPerGB = 1073741824.0;  // binary gigabytes: 2^30
+
 // The number in a size text such as "4,5 GB" (a decimal comma counts as a point), in the unit of the function's name. 0
 // for an unknown unit, an unreadable number, or a text of fewer than three characters.
 double ParseSizeKB(std::string_view text);

@@ -1,11 +1,12 @@
 // Reads the asset summary from the profiler's property list: one small group of fields a function.
-#include <array>
 #include <cmath>
 #include <cstdio>
 #include <optional>
 
 #include "main/collect/command_runner.h"
 #include "main/collect/host_identity.h"
+#include "main/collect/release_names.h"
+#include "zxml/maker.h"
 #include "zxml/value_text.h"
 
 namespace {
@@ -38,11 +39,6 @@ std::string ShortUserName(const std::string& userName) {
   const std::size_t start = open == std::string::npos ? 0 : open + 1;
   return userName.substr(start, userName.find(')', start) - start);
 }
-
-constexpr std::array<const char*, 8> kReleaseNames = {
-    "Mac OS X v10.0 (Cheetah)", "Mac OS X v10.1 (Puma)",    "Mac OS X v10.2 (Jaguar)",       "Mac OS X v10.3 (Panther)",
-    "Mac OS X v10.4 (Tiger)",   "Mac OS X v10.5 (Leopard)", "Mac OS X v10.6 (Snow Leopard)", "Mac OS X v10.7 (Lion)",
-};
 
 // deliberate: fixed positions that fit "Mac OS X 10.6.8 (10K549)", whatever the text says
 void SplitSystemVersion(const std::string& version, AssetSummary& summary) {
@@ -81,7 +77,7 @@ void CollectHardware(const PropertyList& list, AssetSummary& summary) {
   CollectProcessor(hardware, summary);
   if (const std::string* model = FindText(hardware, "machine_model")) {
     summary.machineModel = *model;
-    summary.systemMaker = "Apple Inc.";
+    summary.systemMaker = kMaker;
   }
   if (const std::string* memory = FindText(hardware, "physical_memory")) summary.physicalMemory = Megabytes(*memory);
 }
@@ -124,7 +120,7 @@ double SizeUnder(const PropertyList* dictionary, const char* key) {
 }
 
 void AddDisk(const PropertyList& device, DiskTotals& totals) {
-  const std::int64_t bytes = TruncateToInt64(SizeUnder(&device, "size") * 1073741824.0);
+  const std::int64_t bytes = TruncateToInt64(SizeUnder(&device, "size") * kBytesPerGB);
   totals.capacity += static_cast<std::uint64_t>(bytes < 0 ? 0 : bytes) / 1000000000u;
   const PropertyList* volumes = FindKey(&device, "volumes", PropertyListKind::Array);
   if (!volumes) return;
