@@ -42,7 +42,8 @@ TEST(Edid, EveryFieldFromItsBytes) {
 TEST(Edid, UnreadableBytesAreZeroBytes) {
   const std::string text = Block({{8, "10ac7ca001020304"}, {111, "fc004142434445464748494a4b4c4d4e4f"}});
   std::string damaged = text;
-  damaged[21] = 'g', damaged[22] = '/', damaged[28] = ' ';
+  damaged.replace(21, 2, "g/");
+  damaged[28] = ' ';
   const struct {
     std::string text;
     const char* identity;

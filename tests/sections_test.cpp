@@ -4,76 +4,113 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <fstream>
 
 #include "sections/os.h"
 #include "sections/software_sort.h"
 #include "tests/support.h"
 #include "zxml/value_text.h"
 
+namespace {
+
+std::string Group(const std::string& slots) { return "<dict><key>_items</key><array>" + slots + "</array></dict>"; }
+
+const std::string kFullSlot = Dict({"dimm_status", "ok", "dimm_size", "8 GB"});
+const std::string kEmptySlot = Dict({"dimm_status", "empty", "dimm_size", "1 GB"});
+
+}  // namespace
+
 TEST(System, SlotsOfEveryGroupShareTheirNumbers) {
-  const std::string first =
-      "<array>" + Dict({"dimm_status", "ok", "dimm_size", "8 GB"}) + Dict({"dimm_size", "1 GB"}) + "</array>";
-  const std::string second = "<array>" + Dict({"dimm_status", "empty"}) + Dict({"dimm_status", "ok"}) + "</array>";
+  const std::string memory = DataType("SPMemoryDataType", Group(kFullSlot) + Group(kEmptySlot + kFullSlot));
+  EXPECT_EQ(ShownSection(BuildSystemSection, memory, "System/Mem-slots"), R"(
++Mem-slots=; mem-slot:1= ~complex=; mem-slot:2= ~complex=
+*mem-slot:1=; used=0; capacity=8192 ~base-value=8589934592
+*mem-slot:2=; used=1; capacity=8192 ~base-value=8589934592
+-
+)");
+}
+
+TEST(System, SlotOutsideAGroupIsNumberedByItsPlace) {
+  const std::string memory = DataType("SPMemoryDataType", Group(kFullSlot) + Dict({"dimm_status", "ok"}) + kEmptySlot);
+  EXPECT_EQ(ShownSection(BuildSystemSection, memory, "System/Mem-slots"), R"(
++Mem-slots=; mem-slot:1= ~complex=; mem-slot:2= ~complex=; mem-slot:3= ~complex=
+*mem-slot:1=; used=1; capacity=8192 ~base-value=8589934592
+*mem-slot:2=; used=1; capacity=0 ~base-value=0
+*mem-slot:3=; used=0
+-
+)");
+}
+
+TEST(Memory, SlotsAreCountedInGroupsAndOutside) {
   const std::string memory =
-      DataType("SPMemoryDataType", Dict({"_items", first.c_str()}) + Dict({"_items", second.c_str()}));
-  EXPECT_EQ(
-      SectionText(BuildSystemSection, memory),
-      "+Snapshot=\n+System=\n+Mem-slots=\nmem-slot:1=\n~complex=\nmem-slot:2=\n~complex=\n"
-      "*mem-slot:1=\nused=0\ncapacity=8192\n~base-value=8589934592\n*mem-slot:2=\nused=1\ncapacity=0\n~base-value=0\n"
-      "-\n-\n-\n");
-  EXPECT_EQ(
-      SectionText(BuildMemorySection, memory),
-      "+Snapshot=\n+Memory=\n*Memory-slot:1=\nused=1\ncapacity=8192\n*Memory-slot:2=\nused=0\n*Memory-slot:3=\nused=0\n"
-      "*Memory-slot:4=\nused=1\n-\n-\n");
+      DataType("SPMemoryDataType", Group(kFullSlot + kEmptySlot) + kFullSlot + Group(kEmptySlot));
+  EXPECT_EQ(ShownSection(BuildMemorySection, memory, "Memory"), R"(
++Memory=
+*Memory-slot:1=; used=1; capacity=8192
+*Memory-slot:2=; used=0
+*Memory-slot:3=; used=1; capacity=8192
+*Memory-slot:4=; used=0
+-
+)");
+}
+
+TEST(Memory, TotalNeedsTheMemoryDataType) {
+  const std::string hardware = DataType("SPHardwareDataType", Dict({"physical_memory", "16 GB"}));
+  EXPECT_EQ(ShownSection(BuildMemorySection, hardware, "Memory"), "none");
+  EXPECT_EQ(ShownSection(BuildMemorySection, hardware + Dict({"_dataType", "SPMemoryDataType", "x", ""}), "Memory"), R"(
++Memory=
+*General-info=; physical-memory=16384
+-
+)");
 }
 
 TEST(System, HardwareWithoutItsKeys) {
   Tools tools;
   tools.Add("ioreg", "printf '\"IOPlatformUUID\" = \"U-1\"\\n'");
-  EXPECT_EQ(SectionText(BuildSystemSection, DataType("SPHardwareDataType", Dict({"machine_name", "iMac"}))),
-            "+Snapshot=\n+System=\n*Computer-system=\nmodel=\nuuid=U-1\n*Chassis=\nmanuf=Apple Inc.\n-\n-\n");
+  const std::string hardware = DataType("SPHardwareDataType", Dict({"machine_name", "iMac"}));
+  EXPECT_EQ(ShownSection(BuildSystemSection, hardware, "System"), R"(
++System=
+*Computer-system=; model=; uuid=U-1
+*Chassis=; manuf=Apple Inc.
+-
+)");
 }
 
 TEST(System, MainsPowerAlsoDescribesTheWhole) {
-  const std::string item =
-      Dict({"_name", "sppower_information", "Battery Power", Dict({"Wake_On_LAN", "yes"}).c_str(), "AC Power",
-            Dict({"Disk Sleep Timer", "<integer>10</integer>", "Wake On LAN", "Yes", "ReduceBrightness",
-                  "<integer>1</integer>"})
-                .c_str()});
-  EXPECT_EQ(SectionText(BuildSystemSection, DataType("SPPowerDataType", Dict({"_name", "x"}) + item + item)),
-            "+Snapshot=\n+System=\n+PowerManagement=\ndisk-sleep-timer=10\nwake-on-lan=1\nreduce-brightness=0\n"
-            "*Profile:1=Battery_Power\nwake-on-lan=0\n*Profile:2=AC Power\ndisk-sleep-timer=10\nwake-on-lan=1\n"
-            "reduce-brightness=0\n-\n-\n-\n");
+  const std::string battery = Dict({"Wake_On_LAN", "yes"});
+  const std::string mains = Dict({"Disk Sleep Timer", "<integer>10</integer>", "Wake On LAN", "Yes"});
+  const std::string power =
+      Dict({"_name", "sppower_information", "Battery Power", battery.c_str(), "AC Power", mains.c_str()});
+  EXPECT_EQ(ShownSection(BuildSystemSection, DataType("SPPowerDataType", Dict({"_name", "x"}) + power + power),
+                         "System/PowerManagement"),
+            R"(
++PowerManagement=; disk-sleep-timer=10; wake-on-lan=1
+*Profile:1=Battery_Power; wake-on-lan=0
+*Profile:2=AC Power; disk-sleep-timer=10; wake-on-lan=1
+-
+)");
 }
 
-TEST(Processors, CachesAndSpeeds) {
-  const struct {
-    std::string hardware;
-    const char* text;
-  } cases[] = {
-      {Dict({"packages", "<integer>2</integer>", "number_processors", "<integer>8</integer>", "l2_cache_core", "256 KB",
-             "l3_cache", "8 MB", "current_processor_speed", "2.3 GHz", "cpu_type", "X"}),
-       "+Snapshot=\n+Processors=\n*Processor:1=X\ncore-count=8\nl2-cache-size=1024\nl3-cache-size=4096\n"
-       "current-clock-speed=2300\n*Processor:2=X\ncore-count=8\nl2-cache-size=1024\nl3-cache-size=4096\n"
-       "current-clock-speed=2300\n-\n-\n"},
-      {Dict({"number_cpus", "two", "l2_cache", "3 MB", "l2_cache_share", "1,5 KB", "current_processor_speed",
-             "2,4 GHz"}),
-       "+Snapshot=\n+Processors=\n*Processor:1=CPU "
-       "#1\ncore-count=0\nl2-cache-size=1\ncurrent-clock-speed=2000\n-\n-\n"},
-      {Dict({"packages", "2"}), "*Snapshot=\n"},
-      {Dict({"packages", "<integer>0</integer>"}), "*Snapshot=\n"},
-      {Dict({"packages", "<integer>4097</integer>"}), "*Snapshot=\n"},
-  };
-  for (const auto& c : cases)
-    EXPECT_EQ(SectionText(BuildProcessorsSection, DataType("SPHardwareDataType", c.hardware)), c.text);
+TEST(Processors, ShareTheirCachesAndCores) {
+  const std::string hardware =
+      Dict({"packages", "<integer>2</integer>", "number_processors", "<integer>8</integer>", "l2_cache_core", "256 KB",
+            "l3_cache", "8 MB", "current_processor_speed", "2.3 GHz", "cpu_type", "X"});
+  EXPECT_EQ(ShownSection(BuildProcessorsSection, DataType("SPHardwareDataType", hardware), "Processors/Processor:2"),
+            R"(
+*Processor:2=X; core-count=8; l2-cache-size=1024; l3-cache-size=4096; current-clock-speed=2300
+)");
 }
 
-TEST(Memory, TotalNeedsTheMemoryDataType) {
-  const std::string hardware = DataType("SPHardwareDataType", Dict({"physical_memory", "16 GB"}));
-  EXPECT_EQ(SectionText(BuildMemorySection, hardware), "*Snapshot=\n");
-  EXPECT_EQ(SectionText(BuildMemorySection, hardware + "<dict><key>_dataType</key><string>SPMemoryDataType</string>"
-                                                       "<key>x</key><string/></dict>"),
-            "+Snapshot=\n+Memory=\n*General-info=\nphysical-memory=16384\n-\n-\n");
+TEST(Processors, UnreadableNumbers) {
+  const std::string hardware = Dict(
+      {"number_cpus", "two", "l2_cache", "3 MB", "l2_cache_share", "1,5 KB", "current_processor_speed", "2,4 GHz"});
+  EXPECT_EQ(ShownSection(BuildProcessorsSection, DataType("SPHardwareDataType", hardware), "Processors/Processor:1"),
+            R"(
+*Processor:1=CPU #1; core-count=0; l2-cache-size=1; current-clock-speed=2000
+)");
+  for (const char* packages : {"2", "<integer>0</integer>", "<integer>4097</integer>"})
+    EXPECT_EQ(ShownSection(BuildProcessorsSection, DataType("SPHardwareDataType", Dict({"packages", packages})), ""),
+              "\n*Snapshot=\n");
 }
 
 TEST(OperatingSystem, VersionsOfEveryShape) {
@@ -120,26 +157,36 @@ TEST(OperatingSystem, Uptimes) {
   for (const auto& c : cases) EXPECT_EQ(FormatUptime(c[0]), c[1]) << c[0];
 }
 
-TEST(OperatingSystem, ItemWithoutKeysAndBranchWithoutItem) {
-  EXPECT_EQ(SectionText(BuildOsSection, DataType("SPSoftwareDataType", Dict({"_name", "x"}))),
-            "+Snapshot=\n+OS=\n*os:1=Mac OS X v10.0 (Cheetah)\n~kind=mac\nname=Mac OS X v10.0 (Cheetah)\nversion=\n"
-            "manuf=Apple Inc.\nuptime=00000000000000.000000:000\narchitecture=32-bit\n-\n-\n");
-  EXPECT_EQ(SectionText(BuildOsSection, DataType("SPSoftwareDataType", "")), "*Snapshot=\n");
+TEST(OperatingSystem, LionAndLaterAreWide) {
+  const char* cases[][3] = {
+      {"OS X 10.7 (11A511)", "no", "64-bit"},
+      {"Mac OS X 10.6.8 (10K549)", "no", "32-bit"},
+      {"Mac OS X 10.6.8 (10K549)", "yes", "64-bit"},
+  };
+  for (const auto& c : cases) {
+    const std::string software = Dict({"os_version", c[0], "64bit_kernel_and_kexts", c[1]});
+    const std::string text = ShownSection(BuildOsSection, DataType("SPSoftwareDataType", software), "OS/os:1");
+    EXPECT_NE(text.find(std::string("; architecture=") + c[2]), std::string::npos) << c[0] << text;
+  }
 }
 
-TEST(Software, ApplicationsOfEveryKind) {
-  EXPECT_EQ(
-      SectionText(
-          BuildSoftwareSection,
-          DataType(
-              "SPApplicationsDataType",
-              Dict({"_name", "Mail", "version", "9.1", "app_store", "no", "has64BitIntelCode", "no", "info", "i"}) +
-                  Dict({"_name", "Mail", "version", "9.1", "app_store", "<true/>", "path", "/M.app"}) +
-                  Dict({"_name", "Chess", "lastModified", "<date>2015-01-02T03:04:05Z</date>", "has64BitIntelCode",
-                        "yes", "app_store", "<integer>3</integer>", "runtime_environment", "arch_x86"}))),
-      "+Snapshot=\n+Software=\n*Soft:Mail 9.1=Mail\nversion=9.1\napp-store=0\ninfo=i\n64bit-app=1\n~type=unknown\n"
-      "location=/"
-      "M.app\n*Soft:Chess=Chess\napp-store=1\ninst-date=20150102\nruntime-environment=arch_x86\n64bit-app=1\n-\n-\n");
+TEST(OperatingSystem, ItemWithoutKeys) {
+  EXPECT_EQ(ShownSection(BuildOsSection, DataType("SPSoftwareDataType", Dict({"_name", "x"})), "OS/os:1"),
+            R"(
+*os:1=Mac OS X v10.0 (Cheetah) ~kind=mac; name=Mac OS X v10.0 (Cheetah); version=)"
+            R"(; manuf=Apple Inc.; uptime=00000000000000.000000:000; architecture=32-bit
+)");
+  EXPECT_EQ(ShownSection(BuildOsSection, DataType("SPSoftwareDataType", ""), "OS"), "none");
+}
+
+TEST(Software, SameNameAndVersionShareATag) {
+  const std::string mail = Dict({"_name", "Mail", "version", "9.1", "app_store", "no", "has64BitIntelCode", "no"}) +
+                           Dict({"_name", "Mail", "version", "9.1", "app_store", "<true/>", "info", "i"});
+  EXPECT_EQ(ShownSection(BuildSoftwareSection, DataType("SPApplicationsDataType", mail), "Software"), R"(
++Software=
+*Soft:Mail 9.1=Mail; version=9.1; app-store=0; info=i; 64bit-app=1 ~type=unknown
+-
+)");
 }
 
 namespace {
@@ -185,61 +232,70 @@ TEST(Libraries, NeedAnInformationDictionary) {
   if (QUILL_PLATFORM_MACOS) GTEST_SKIP() << "the plug-ins are the machine's";
   Tools recording;
   setenv("QUILL_RECORDING", recording.Folder().c_str(), 1);
-  const std::string plugIns = recording.Folder() + "/Library/Internet Plug-Ins";
-  const auto add = [&plugIns](const std::string& name, const std::string& information) {
-    const std::string folder = plugIns + "/" + name + "/Contents";
-    EXPECT_EQ(
-        std::system(
-            ("mkdir -p '" + folder + "' && printf %s '" + information + "' > '" + folder + "/Info.plist'").c_str()),
-        0);
+  const auto add = [&recording](const std::string& name, const std::string& information) {
+    const std::string folder = recording.Folder() + "/Library/Internet Plug-Ins/" + name + "/Contents";
+    const std::string file = "'" + folder + "/Info.plist'";
+    const std::string command = "mkdir -p '" + folder + "' && printf %s '" + information + "' > " + file;
+    EXPECT_EQ(std::system(command.c_str()), 0);
   };
-  add("b.x.plugin", "<plist><dict><key>WebPluginDescription</key><string>w</string></dict></plist>");
+  add("b.x.plugin", "<plist>" + Dict({"WebPluginDescription", "w"}) + "</plist>");
   add("a\nc.plugin",
-      "<plist><dict><key>CFBundleShortVersionString</key><string>1</string><key>CFBundleGetInfoString</key>"
-      "<string>i</string><key>WebPluginDescription</key><string>w</string></dict></plist>");
+      "<plist>" + Dict({"CFBundleShortVersionString", "1", "CFBundleGetInfoString", "i", "WebPluginDescription", "w"}) +
+          "</plist>");
   add("c.plugin", "<plist><dict/></plist>");
   add("d.plugin", "");
-  add(".e.plugin", "<plist><dict><key>a</key><string>b</string></dict></plist>");
+  add(".e.plugin", "<plist>" + Dict({"a", "b"}) + "</plist>");
   TagTree tree = CreateTree(true, "Snapshot");
   BuildLibrariesSection(tree);
   unsetenv("QUILL_RECORDING");
-  EXPECT_EQ(
-      TextOfTree(tree),
-      "+Snapshot=\n+Libraries=\n*library:a\rc 1=a\rc\npath=/Library/Internet Plug-Ins/a\rc.plugin\nversion=1\ndescr=i\n"
-      "group=InternetPlug-Ins\n*library:b=b\npath=/Library/Internet "
-      "Plug-Ins/b.x.plugin\ndescr=w\ngroup=InternetPlug-Ins\n"
-      "-\n-\n");
+  EXPECT_EQ(ShownTree(tree, "Libraries"), R"(
++Libraries=
+*library:a\rc 1=a\rc; path=/Library/Internet Plug-Ins/a\rc.plugin; version=1; descr=i; group=InternetPlug-Ins
+*library:b=b; path=/Library/Internet Plug-Ins/b.x.plugin; descr=w; group=InternetPlug-Ins
+-
+)");
 }
 
 TEST(Environment, EndsAtAnEmptyLine) {
   Tools tools;
-  tools.Add("env", "printf 'A=b=c\\nno\\nPATH=/x:/y\\n=e\\nA= 2 \\n\\nLATE=1\\n'");
+  tools.Add("env", "printf 'A=b=c\\nno\\nPATH=/x:/y\\nA= 2 \\n\\nLATE=1\\n'");
   TagTree tree = CreateTree(true, "Snapshot");
   BuildEnvironmentSection(tree);
-  EXPECT_EQ(
-      TextOfTree(tree),
-      "+Snapshot=\n+Environment=\nenv-var:A=\n~complex=\nenv-var:PATH=\n~complex=\nenv-var:=\n~complex=\n"
-      "*env-var:A=A\nvalue=2\nsystem=1\n*env-var:PATH=PATH\nvalue=/x:/y\n~split=:\nsystem=1\n*env-var:=\nvalue=e\n"
-      "system=1\n-\n-\n");
+  EXPECT_EQ(ShownTree(tree, "Environment"), R"(
++Environment=; env-var:A= ~complex=; env-var:PATH= ~complex=
+*env-var:A=A; value=2; system=1
+*env-var:PATH=PATH; value=/x:/y ~split=:; system=1
+-
+)");
 }
 
 TEST(UserAccounts, FromRecordsOfEveryShape) {
   Tools tools;
-  tools.Add("ls", "printf 'Shared\\n$(touch %s/ran)`x`\"\\\\\\nann\\nbob\\nend' " + tools.Folder());
+  tools.Add("ls", "printf 'Shared\\nann\\nbob\\nend'");
   tools.Add("dscl",
-            "case \"$3\" in */ann) printf 'x:\\nNFSHomeDirectory: /U\\nPrimaryGroupID: 20\\nRealName:\\n Ann "
-            "Lee\\nRecordName: ann\\n alt\\n"
-            "RecordType: r\\nUniqueID: 501\\nUserShell: /bin/sh' ;;\n"
-            "*/bob) printf '\\nNFSHomeDirectory: /U\\nRecordName: b' ;;\n"
-            "*) printf '%s' \"$3\" > " +
-                tools.Folder() + "/asked ;; esac");
+            "case \"$3\" in */ann) printf 'x:\\nNFSHomeDirectory: /U\\nPrimaryGroupID: 20\\nRealName:\\n Ann Lee\\n"
+            "RecordName: ann\\n alt\\nRecordType: r\\nUniqueID: 501\\nUserShell: /bin/sh' ;;\n"
+            "*/bob) printf '\\nNFSHomeDirectory: /U\\nRecordName: b' ;; esac");
   TagTree tree = CreateTree(true, "Snapshot");
   BuildUserAccountsSection(tree);
-  EXPECT_EQ(
-      TextOfTree(tree),
-      "+Snapshot=\n+User-accounts=\n*usr-acc:ann\r alt=ann\r alt\nfullname=Ann Lee\ngroup=20\nid=501\nshell=/bin/sh\n"
-      "hdir=/users/ann\nis-system-user=0\n*usr-acc:b=b\nhdir=/users/bob\nis-system-user=0\n-\n-\n");
-  const std::string asked =
-      "test ! -e " + tools.Folder() + "/ran && grep -q 'users/$(touch' " + tools.Folder() + "/asked";
-  EXPECT_EQ(std::system(asked.c_str()), 0) << "a folder's name must not run";
+  EXPECT_EQ(ShownTree(tree, "User-accounts"), R"(
++User-accounts=
+*usr-acc:ann\r alt=ann\r alt; fullname=Ann Lee; group=20; id=501; shell=/bin/sh; hdir=/users/ann; is-system-user=0
+*usr-acc:b=b; hdir=/users/bob; is-system-user=0
+-
+)");
+}
+
+TEST(UserAccounts, NameOfAFolderDoesNotRun) {
+  Tools tools;
+  const std::string ran = tools.Folder() + "/ran";
+  const std::string name = "$(touch " + ran + ")`touch " + ran + "`\"\\";
+  tools.Add("ls", "printf '%s\\n' '" + name + "'");
+  tools.Add("dscl", "printf '%s' \"$3\" > " + tools.Folder() + "/asked");
+  TagTree tree = CreateTree(true, "Snapshot");
+  BuildUserAccountsSection(tree);
+  std::string asked;
+  std::getline(std::ifstream(tools.Folder() + "/asked"), asked);
+  EXPECT_EQ(asked, "/users/" + name);
+  EXPECT_FALSE(std::ifstream(ran).good());
 }

@@ -2,8 +2,10 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
+#include <sstream>
 
 #include "main/collect/plist_reader.h"
 #include "platform/platform.h"
@@ -42,11 +44,31 @@ std::string TextOfTree(const TagTree& tree) {
   return text.substr(text.find('\n') + 1);
 }
 
-std::string SectionText(void (*build)(TagTree&, const TagTree&), const std::string& dataTypes) {
+std::string ShownTree(const TagTree& tree, std::string_view path) {
+  const Tag* tag = &RootOf(tree);
+  while (tag && !path.empty()) {
+    const std::string_view name = path.substr(0, path.find('/'));
+    tag = FindChild(*tag, name);
+    path.remove_prefix(std::min(path.size(), name.size() + 1));
+  }
+  if (!tag) return "none";
+  TagTree shown = CreateTree(true, "");
+  CopyTag(RootOf(shown), *tag);
+  std::string text;
+  std::istringstream lines(TextOfTree(shown));
+  for (std::string line; std::getline(lines, line);) {
+    const bool opens = std::string_view("*+-").find(line[0]) != std::string_view::npos;
+    text += (opens ? "\n" : line[0] == '~' ? " " : "; ") + line;
+  }
+  for (std::size_t at = text.find('\r'); at != std::string::npos; at = text.find('\r')) text.replace(at, 1, "\\r");
+  return text + "\n";
+}
+
+std::string ShownSection(void (*build)(TagTree&, const TagTree&), const std::string& dataTypes, std::string_view path) {
   const TagTree rawTree = RawTree(dataTypes);
   TagTree inventory = CreateTree(true, "Snapshot");
   build(inventory, rawTree);
-  return TextOfTree(inventory);
+  return ShownTree(inventory, path);
 }
 
 Tools::Tools() : path_(std::getenv("PATH")) {

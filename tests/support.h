@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 
 #include "platform/property_list.h"
 #include "zxml/tag.h"
@@ -19,9 +20,14 @@ std::string Dict(std::initializer_list<const char*> keysAndTexts);
 // The raw tree of those data types.
 TagTree RawTree(const std::string& dataTypes);
 
-// zXML text without its first line; for a builder, of what it adds to an empty inventory.
+// zXML text without its first line.
 std::string TextOfTree(const TagTree& tree);
-std::string SectionText(void (*build)(TagTree&, const TagTree&), const std::string& dataTypes);
+// The tag at `path` below the root as a raw string literal shows it: behind a line feed each tag on a line of its own
+// with its attributes, "name=value; attribute=value ~property=text", and each CR as \r. "none" when there is no such
+// tag.
+std::string ShownTree(const TagTree& tree, std::string_view path);
+// Of what a builder adds to an empty inventory.
+std::string ShownSection(void (*build)(TagTree&, const TagTree&), const std::string& dataTypes, std::string_view path);
 
 // A folder at the front of PATH while it lives, with tools made of shell lines.
 class Tools {
