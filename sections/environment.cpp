@@ -23,7 +23,7 @@ std::string_view NextLine(std::string_view& text) {
 void WriteVariable(TagTree& inventoryTree, std::string_view line) {
   const std::size_t equals = line.find('=');
   if (equals == std::string_view::npos) return;
-  const std::string name(line.substr(0, equals));
+  const std::string name(UpToZero(line.substr(0, equals)));
   const std::string value(line.substr(equals + 1));
   Tag* environment = GetOrAddChild(RootOf(inventoryTree), "Environment");
   Tag* variable = AddComplexChild(*environment, "env-var:" + name);

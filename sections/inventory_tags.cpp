@@ -26,9 +26,12 @@ Tag* AddParts(Tag& tag, const std::string& name) {
   return parts;
 }
 
-std::string SafeTagName(std::string name) {
-  std::replace(name.begin(), name.end(), '\n', '\r');
-  return name;
+std::string_view UpToZero(std::string_view text) { return text.substr(0, text.find('\0')); }
+
+std::string SafeTagName(std::string_view name) {
+  std::string safe(UpToZero(name));
+  std::replace(safe.begin(), safe.end(), '\n', '\r');
+  return safe;
 }
 
 void SetText(Tag& tag, const char* name, const std::string& text) { SetAttribute(tag, name, MakeTextValue(text)); }

@@ -20,8 +20,10 @@ Tag* SetNamedChild(Tag& parent, std::string_view childName, const Tag& item);
 Tag* AddComplexChild(Tag& tag, const std::string& name);
 // The same, the child marked as one that holds the attribute's parts.
 Tag* AddParts(Tag& tag, const std::string& name);
-// A name built from outside text, with every line feed turned into CR.
-std::string SafeTagName(std::string name);
+// A text up to its first zero byte, where a value would end as well.
+std::string_view UpToZero(std::string_view text);
+// A name built from outside text: it ends at its first zero byte, and every line feed is turned into CR.
+std::string SafeTagName(std::string_view name);
 
 void SetText(Tag& tag, const char* name, const std::string& text);
 void SetNumber(Tag& tag, const char* name, std::int64_t number);

@@ -1,6 +1,8 @@
 // "User-accounts": the folders below /Users that the directory service knows as users.
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -14,35 +16,49 @@ namespace {
 
 constexpr std::size_t kChunk = 100;  // bytes read at a time
 constexpr char kListCommand[] = "ls -1 /Users/";
-constexpr int kListRunsElsewhere = 5;  // where there is no /Users, on a machine that is not a Mac
+constexpr int kQuickRuns = 5;   // of a listing that stays empty
+constexpr unsigned kPause = 1;  // seconds between further runs
 
 bool HasUsersFolder() {
   struct stat status;
   return stat("/Users", &status) == 0 && S_ISDIR(status.st_mode);
 }
 
-// Asks until there is an answer: on a Mac without limit.
+// Asks until there is an answer: where there is a /Users, without limit, elsewhere (no Mac) a few times.
 std::string ListUsers() {
   const bool persistent = HasUsersFolder();
-  std::string listing;
-  int runsLeft = kListRunsElsewhere;
-  do {
-    listing = RunCommand(kListCommand, kChunk);
-  } while (listing.empty() && (persistent || --runsLeft > 0));
-  return listing;
+  for (int run = 1;; ++run) {
+    std::string listing = RunCommand(kListCommand, kChunk);
+    if (!listing.empty()) return listing;
+    if (run < kQuickRuns) continue;
+    if (!persistent) return listing;
+    sleep(kPause);
+  }
 }
 
 // A folder may be called anything; between double quotes the shell would act on these characters.
+bool IsActive(char c) { return c == '\\' || c == '"' || c == '$' || c == '`'; }
+
+bool IsAscii(char c) { return static_cast<unsigned char>(c) < 0x80; }
+
+// In some multibyte locales a byte behind another of 128 or more belongs to one character with it, so that a backslash
+// there escapes nothing.
+bool CanBeEscaped(std::string_view name) {
+  return std::all_of(name.begin(), name.end(), IsAscii) || std::none_of(name.begin(), name.end(), IsActive);
+}
+
 std::string EscapeForDoubleQuotes(std::string_view name) {
   std::string escaped;
   for (const char c : name) {
-    if (c == '\\' || c == '"' || c == '$' || c == '`') escaped += '\\';
+    if (IsActive(c)) escaped += '\\';
     escaped += c;
   }
   return escaped;
 }
 
+// Empty for a name that cannot be handed to a shell.
 std::string ReadRecord(std::string_view name) {
+  if (!CanBeEscaped(name)) return std::string();
   return RunCommand("dscl . -read \"/users/" + EscapeForDoubleQuotes(name) + "\"", kChunk);
 }
 
@@ -95,7 +111,7 @@ void BuildUserAccountsSection(TagTree& inventoryTree) {
   const std::string listing = ListUsers();
   std::size_t start = 0;
   for (std::size_t end = listing.find('\n'); end != std::string::npos; end = listing.find('\n', start)) {
-    WriteFolder(inventoryTree, std::string_view(listing).substr(start, end - start));
+    WriteFolder(inventoryTree, UpToZero(std::string_view(listing).substr(start, end - start)));
     start = end + 1;
   }
 }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <ctime>
 #include <fstream>
 
 #include "sections/os.h"
@@ -289,13 +290,54 @@ TEST(UserAccounts, FromRecordsOfEveryShape) {
 TEST(UserAccounts, NameOfAFolderDoesNotRun) {
   Tools tools;
   const std::string ran = tools.Folder() + "/ran";
-  const std::string name = "$(touch " + ran + ")`touch " + ran + "`\"\\";
-  tools.Add("ls", "printf '%s\\n' '" + name + "'");
   tools.Add("dscl", "printf '%s' \"$3\" > " + tools.Folder() + "/asked");
+  const std::string touch = "$(touch " + ran + ")`touch " + ran + "`\"";
+  const std::string cases[][2] = {
+      {touch + "\\\\", touch + "\\"},
+      {"Zo\xC3\xAB", "Zo\xC3\xAB"},
+      {"\x83`touch " + ran + "`", "nothing"},  // in Shift-JIS, 83 and a backslash are one character
+      {"Ann\\0`touch " + ran + "`", "Ann"},
+  };
+  for (const auto& c : cases) {
+    tools.Add("ls", "printf '" + c[0] + "\\n'");
+    std::ofstream(tools.Folder() + "/asked") << "/users/nothing";
+    TagTree tree = CreateTree(true, "Snapshot");
+    BuildUserAccountsSection(tree);
+    std::string asked;
+    std::getline(std::ifstream(tools.Folder() + "/asked"), asked);
+    EXPECT_EQ(asked, "/users/" + c[1]);
+    EXPECT_FALSE(std::ifstream(ran).good());
+  }
+}
+
+TEST(UserAccounts, NamesEndAtAZeroByte) {
+  Tools tools;
+  tools.Add("ls", "echo ann");
+  tools.Add("dscl", "printf '\\nNFSHomeDirectory: /U\\nRecordName: a\\0b'");
+  tools.Add("env", "printf 'A\\0b=c\\0d\\n'");
   TagTree tree = CreateTree(true, "Snapshot");
   BuildUserAccountsSection(tree);
-  std::string asked;
-  std::getline(std::ifstream(tools.Folder() + "/asked"), asked);
-  EXPECT_EQ(asked, "/users/" + name);
-  EXPECT_FALSE(std::ifstream(ran).good());
+  BuildEnvironmentSection(tree);
+  EXPECT_EQ(ShownTree(tree, ""), R"(
++Snapshot=
++User-accounts=
+*usr-acc:a=a; hdir=/users/ann; is-system-user=0
+-
++Environment=; env-var:A= ~complex=
+*env-var:A=A; value=c; system=1
+-
+-
+)");
+}
+
+TEST(UserAccounts, AskingAgainAndAgainTakesItsTime) {
+  Tools tools;
+  const std::string runs = tools.Folder() + "/runs";
+  tools.Add("ls", "echo >> " + runs + "; [ $(wc -l < " + runs + ") -lt 7 ] || echo ann");
+  TagTree tree = CreateTree(true, "Snapshot");
+  const std::time_t start = std::time(nullptr);
+  BuildUserAccountsSection(tree);
+  const bool onAMac = std::system("[ -d /Users ]") == 0;
+  EXPECT_GE(std::time(nullptr) - start, onAMac ? 2 : 0);
+  EXPECT_EQ(std::system(("[ $(wc -l < " + runs + ") -eq " + (onAMac ? "7" : "5") + " ]").c_str()), 0);
 }
