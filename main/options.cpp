@@ -29,6 +29,8 @@ void ReadOption(std::string_view argument, Options& options) {
     options.currentIp = argument.substr(4);
   } else if (IsEither(argument, "log")) {
     options.settings.log = true;
+  } else if (IsEither(argument, "modern")) {
+    options.settings.modern = true;
   } else if (StartsWithEither(argument, "login:")) {
     options.login = argument.substr(argument.find(':') + 1);
   } else if (IsEither(argument, "debug")) {

@@ -6,6 +6,7 @@
 #include <ctime>
 
 #include "main/collect/host_identity.h"
+#include "main/collect/modern_keys.h"
 #include "main/collect/plist_reader.h"
 #include "main/collect/process_list.h"
 #include "main/collect/profiler.h"
@@ -37,6 +38,7 @@ TagTree Collect(const ScanSettings& settings, bool silent, const std::string& cu
   std::string document = CollectProfilerData(silent);
   Log(settings, "done\n");
   PropertyList list = ParsePropertyList(std::move(document));
+  if (settings.modern) AddOlderKeys(list);
   CollectAssetSummary(list, findings.summary);
 
   TagTree rawTree = CreateTree(settings.saveFlag, "Macintosh");
@@ -123,7 +125,9 @@ void NormalScan(const ScanSettings& settings, bool silent, const std::string& cu
 
 void DebugScan(const ScanSettings& settings, bool silent, std::string currentIp) {
   const std::string rawOutput = RunWholeProfiler();
-  const NetworkIdentity network = LookupNetworkIdentity(ParsePropertyList(rawOutput), currentIp);
+  PropertyList list = ParsePropertyList(rawOutput);
+  if (settings.modern) AddOlderKeys(list);
+  const NetworkIdentity network = LookupNetworkIdentity(list, currentIp);
   InvFile inv = InitInvFile(settings.saveFlag);
   const std::string computerName = ComputerName();
   const std::string& name = FileNameSource(network, computerName);

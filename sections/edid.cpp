@@ -72,9 +72,7 @@ std::uint32_t BigEndian32(const EdidBlock& block, std::size_t at) {
 
 void ReadIdentification(const EdidBlock& block, EdidInfo& info) {
   info.manufacturer = EdidManufacturerId(BigEndian16(block[8], block[9]));
-  char code[8];
-  std::snprintf(code, sizeof code, "%4X", unsigned{BigEndian16(block[11], block[10])});
-  info.productCode = code;
+  info.productCode = EdidProductCode(BigEndian16(block[11], block[10]));
   info.serialNumber = BigEndian32(block, 12);  // deliberate: big-endian, although the standard stores it the other way
   info.week = block[16];
   info.year = static_cast<std::uint16_t>(block[17] + 1990);
@@ -155,6 +153,12 @@ std::string EdidManufacturerId(std::uint16_t id) {
   std::string letters;
   for (const int shift : {10, 5, 0}) letters += static_cast<char>(0x40 | (id >> shift & 0x1F));
   return letters;
+}
+
+std::string EdidProductCode(std::uint16_t code) {
+  char text[8];
+  std::snprintf(text, sizeof text, "%4X", unsigned{code});
+  return text;
 }
 
 std::string EdidMaxResolution(const EdidBlock& block) {

@@ -21,7 +21,7 @@ struct VideoMode {
 
 struct EdidInfo {
   std::string manufacturer;  // three letters
-  std::string productCode;   // hexadecimal, padded to four characters with blanks
+  std::string productCode;   // by EdidProductCode
   std::string version;
   std::string vFreqRange;  // "50 - 76"; empty without range limits
   std::string hFreqRange;
@@ -49,6 +49,9 @@ EdidInfo DecodeEdid(std::string_view text);
 
 // Three characters, five bits each; the highest bit does not count. 0x10AC gives "DEL".
 std::string EdidManufacturerId(std::uint16_t id);
+
+// Upper-case hexadecimal, padded to four characters with blanks.
+std::string EdidProductCode(std::uint16_t code);
 
 // The largest resolution by area among the established and the standard timings; empty when there is none.
 std::string EdidMaxResolution(const EdidBlock& block);

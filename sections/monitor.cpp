@@ -7,6 +7,7 @@
 
 #include "sections/edid.h"
 #include "sections/inventory_tags.h"
+#include "sections/raw_items.h"
 #include "zxml/value_text.h"
 
 namespace {
@@ -31,14 +32,18 @@ constexpr AspectBounds kAspectBounds[] = {
 // The first line of the name, trimmed.
 std::string CleanName(const std::string& name) { return Trimmed(name.substr(0, name.find('\n')), " \t\r\n"); }
 
+void SetName(Tag& monitor, const std::string& id, const std::string& model) {
+  const std::string name = "?" + id + "|" + model;
+  SetText(monitor, "name", name);
+  SetTagValue(monitor, MakeTextValue(name));
+}
+
 void WriteNames(Tag& monitor, const EdidInfo& info) {
   const std::string id = info.manufacturer + info.productCode;
   const std::string model = CleanName(info.monitorName);
-  const std::string name = "?" + id + "|" + model;
   SetText(monitor, "manuf", "?" + info.manufacturer);
   SetText(monitor, "id", id);
-  SetText(monitor, "name", name);
-  SetTagValue(monitor, MakeTextValue(name));
+  SetName(monitor, id, model);
   SetText(monitor, "model", model);
 }
 
@@ -52,11 +57,34 @@ void WriteFeatures(Tag& monitor, const EdidInfo& info) {
   SetNumber(monitor, "serial-digital", info.serialNumber);
 }
 
+// 0 for a week that is not known.
+std::int64_t Quarter(std::int64_t week) { return week ? (week - 1) / kWeeksOfQuarter + 1 : 0; }
+
 void WriteManufactureDate(Tag& monitor, const EdidInfo& info) {
   Tag* date = AddParts(monitor, "manufacture-date");
   SetNumber(*date, "manufacture-year", info.year);
-  SetNumber(*date, "manufacture-quarter", info.week ? (info.week - 1) / kWeeksOfQuarter + 1 : 0);
+  SetNumber(*date, "manufacture-quarter", Quarter(info.week));
   if (info.week) SetNumber(*date, "manufacture-week", info.week);
+}
+
+void WriteKnownDate(Tag& monitor, const Tag& known) {
+  if (!HasKey(known, "year") && !HasKey(known, "week")) return;
+  Tag* date = AddParts(monitor, "manufacture-date");
+  CopyKey(known, *date, {"year", "manufacture-year"});
+  if (HasKey(known, "week")) SetNumber(*date, "manufacture-quarter", Quarter(IntegerOfKey(known, "week")));
+  CopyKey(known, *date, {"week", "manufacture-week"});
+}
+
+// Maker and product, as far as they are known.
+std::string WriteKnownId(Tag& monitor, const Tag& known) {
+  std::string id;
+  if (HasKey(known, "vendor")) {
+    id = EdidManufacturerId(static_cast<std::uint16_t>(IntegerOfKey(known, "vendor")));
+    SetText(monitor, "manuf", "?" + id);
+  }
+  if (HasKey(known, "product")) id += EdidProductCode(static_cast<std::uint16_t>(IntegerOfKey(known, "product")));
+  if (!id.empty()) SetText(monitor, "id", id);
+  return id;
 }
 
 void WriteImageSize(Tag& monitor, const EdidInfo& info) {
@@ -113,4 +141,14 @@ void WriteMonitorEdid(Tag& monitorTag, const Attribute& edidAttribute) {
   WriteAspectRatio(monitorTag, info);
   WriteFrequency(monitorTag, "v-freq", info.minVFreq, info.maxVFreq);
   WriteVideoModes(monitorTag, info);
+}
+
+void WriteMonitorKeys(Tag& monitorTag, const Tag& known) {
+  const std::string id = WriteKnownId(monitorTag, known);
+  const std::string model = CleanName(TextOfKey(known, "model"));
+  if (!id.empty() || !model.empty()) SetName(monitorTag, id, model);
+  if (!model.empty()) SetText(monitorTag, "model", model);
+  CopyKey(known, monitorTag, {"resolution", "max-resolution"});
+  CopyKey(known, monitorTag, {"serial", "serial-digital"});
+  WriteKnownDate(monitorTag, known);
 }

@@ -10,6 +10,7 @@
 #include <limits>
 #include <string>
 
+#include "main/collect/modern_keys.h"
 #include "main/collect/release_names.h"
 #include "sections/inventory_tags.h"
 #include "sections/raw_items.h"
@@ -90,6 +91,17 @@ std::int64_t UptimeSeconds(const std::string& text) {
   return total;
 }
 
+// By the plain keys of a newer system, where they are there.
+OsRelease ReleaseOf(const Tag& software) {
+  const Tag* system = FindChild(software, kSystemKey);
+  if (!system) return ReadOsRelease(TextOfKey(software, "os_version"));
+  OsRelease release;
+  release.name = TextOfKey(*system, "name");
+  release.version = TextOfKey(*system, "version");
+  release.update = TextOfKey(*system, "update");
+  return release;
+}
+
 const char* Architecture(const Tag& software, int minor) {
   const bool wide = minor >= kFirst64BitRelease || TextOfKey(software, "64bit_kernel_and_kexts") == "yes";
   return wide ? "64-bit" : "32-bit";
@@ -122,7 +134,7 @@ std::string FormatUptime(const std::string& text) {
 void BuildOsSection(TagTree& inventoryTree, const TagTree& rawTree) {
   const Tag* software = FirstItem(rawTree, "SPSoftwareDataType");
   if (!software) return;
-  const OsRelease release = ReadOsRelease(TextOfKey(*software, "os_version"));
+  const OsRelease release = ReleaseOf(*software);
   Tag* os = SetChildValue(*GetOrAddChild(RootOf(inventoryTree), "OS"), "os:1", MakeTextValue(release.name));
   AddTagProperty(*os, "kind", "mac");
   SetText(*os, "name", release.name);

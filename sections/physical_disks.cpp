@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 
+#include "main/collect/modern_keys.h"
 #include "sections/core_storage.h"
 #include "sections/inventory_tags.h"
 #include "sections/logical_disks.h"
@@ -120,10 +121,19 @@ void WriteDrives(Walk& walk, const Bus& bus, const Tag& items, int levels) {
   }
 }
 
+// Volumes of containers that share the space of a disk.
+void WriteMountedVolumes(Walk& walk) {
+  const Tag* volumes = FindItems(walk.rawTree, "SPStorageDataType");
+  if (!volumes) return;
+  for (const auto& volume : volumes->children)
+    if (HasKey(*volume, kVolumeKey)) WritePartition(walk, *volume);
+}
+
 }  // namespace
 
 void BuildPhysicalDisksSection(TagTree& inventoryTree, const TagTree& rawTree) {
   Walk walk{inventoryTree, rawTree};
   for (const Bus& bus : kBuses)
     if (const Tag* items = FindItems(rawTree, bus.dataType)) WriteDrives(walk, bus, *items, bus.levels);
+  WriteMountedVolumes(walk);
 }

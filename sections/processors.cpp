@@ -3,6 +3,7 @@
 #include <string>
 #include <utility>
 
+#include "main/collect/modern_keys.h"
 #include "sections/inventory_tags.h"
 #include "sections/raw_items.h"
 #include "sections/sections.h"
@@ -59,13 +60,15 @@ void WriteProcessor(Tag& processors, const Tag& hardware, std::int64_t number, s
   Value type = HasKey(hardware, "cpu_type") ? CopyOfKey(hardware, "cpu_type") : MakeTextValue("CPU #" + n);
   Tag* processor = SetChildValue(processors, "Processor:" + n, std::move(type));
   const std::int64_t cores = CoreCount(hardware);
-  SetNumber(*processor, "core-count", cores);
+  const bool isChip = HasKey(hardware, kChipKey);  // of which nothing is written that is not known
+  if (!isChip || (cores > 0 && HasKey(hardware, "number_processors"))) SetNumber(*processor, "core-count", cores);
   for (const CacheKey& cache : kCacheKeys) {
     if (!HasKey(hardware, cache.key)) continue;
     const double kilobytes = ParseSizeKB(TextOfKey(hardware, cache.key));
     SetNumber(*processor, cache.attribute, CacheKilobytes(kilobytes, cache.share, cores, packages));
   }
-  SetNumber(*processor, "current-clock-speed", Megahertz(TextOfKey(hardware, "current_processor_speed")));
+  if (!isChip || HasKey(hardware, "current_processor_speed"))
+    SetNumber(*processor, "current-clock-speed", Megahertz(TextOfKey(hardware, "current_processor_speed")));
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 // its EDID says, then the adapters themselves with their memory.
 #include <string>
 
+#include "main/collect/modern_keys.h"
 #include "sections/inventory_tags.h"
 #include "sections/monitor.h"
 #include "sections/raw_items.h"
@@ -18,6 +19,7 @@ bool WriteMonitor(Tag& monitor, const Tag& display) {
   const bool connectorOnly = TextOfKey(display, "_name") == kNoDisplay;
   if (!connectorOnly) CopyFlag(display, monitor, {"spdisplays_main", "main-monitor"}, OnlyBy("spdisplays_yes"));
   if (edid) WriteMonitorEdid(monitor, *edid);
+  if (const Tag* known = FindChild(display, kMonitorKey)) WriteMonitorKeys(monitor, *known);
   return edid || !connectorOnly;
 }
 

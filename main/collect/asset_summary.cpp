@@ -5,6 +5,7 @@
 
 #include "main/collect/command_runner.h"
 #include "main/collect/host_identity.h"
+#include "main/collect/modern_keys.h"
 #include "main/collect/release_names.h"
 #include "zxml/maker.h"
 #include "zxml/value_text.h"
@@ -141,6 +142,18 @@ void CollectDisks(const PropertyList& list, AssetSummary& summary) {
   summary.volumeFree = OneDecimal(totals.free);
 }
 
+// What newer systems say where the usual keys say nothing.
+void CollectModernKeys(const PropertyList& list, AssetSummary& summary) {
+  for (const PropertyList& result : list.items) {
+    const PropertyList* known = FindKey(&result, kSummaryKey);
+    CopyText(known, "processor-maker", summary.processorMaker);
+    CopyText(known, "resolution", summary.displayResolution);
+    const std::string* memory = FindText(known, "video-memory");
+    if (memory) summary.videoMemory = memory->empty() ? std::string() : Megabytes(*memory);
+    if (summary.diskCapacity == "0") CopyText(known, "disk-capacity", summary.diskCapacity);
+  }
+}
+
 }  // namespace
 
 void CollectAssetSummary(const PropertyList& list, AssetSummary& summary) {
@@ -148,4 +161,5 @@ void CollectAssetSummary(const PropertyList& list, AssetSummary& summary) {
   CollectHardware(list, summary);
   CollectDisplay(list, summary);
   CollectDisks(list, summary);
+  CollectModernKeys(list, summary);
 }
