@@ -2,6 +2,7 @@
 #include "fuzz/fuzz.h"
 #include "fuzz/stand_ins.h"
 #include "main/collect/host_identity.h"
+#include "main/collect/modern_keys.h"
 #include "main/collect/plist_reader.h"
 #include "main/collect/process_list.h"
 #include "main/post_process.h"
@@ -10,7 +11,8 @@
 void Check(const std::string& input) {
   const std::size_t end = std::min(input.find('\x1E'), input.size());
   SetAnswers(std::string_view(input).substr(std::min(end + 1, input.size())));
-  const PropertyList list = ParsePropertyList(input.substr(0, end));
+  PropertyList list = ParsePropertyList(input.substr(0, end));
+  if (input.size() % 2) AddOlderKeys(list);  // half of the scans with the option for newer systems
   AssetSummary summary;
   CollectAssetSummary(list, summary);
   AssetIdentity asset;

@@ -9,24 +9,6 @@
 
 namespace {
 
-// A <dict> from "key=text;key=#integer", with further XML inside.
-std::string Item(const std::string& fields, const std::string& xml = "") {
-  std::string item = "<dict>";
-  for (std::size_t at = 0, end = 0; at < fields.size(); at = end + 1) {
-    end = std::min(fields.find(';', at), fields.size());
-    const std::size_t equals = fields.find('=', at);
-    const std::string type = fields[equals + 1] == '#' ? "integer" : "string";
-    const std::size_t value = equals + (type == "integer" ? 2 : 1);
-    item += "<key>" + fields.substr(at, equals - at) + "</key><" + type + ">" + fields.substr(value, end - value) +
-            "</" + type + ">";
-  }
-  return item + xml + "</dict>";
-}
-
-std::string Below(const std::string& key, const std::string& xml) { return "<key>" + key + "</key>" + xml; }
-std::string List(const std::string& key, const std::string& xml) { return Below(key, "<array>" + xml + "</array>"); }
-std::string Items(const std::string& xml) { return List("_items", xml); }
-
 std::string EdidText(const std::vector<std::pair<std::size_t, std::string>>& bytes) {
   std::string text = "0x" + std::string(256, '0');
   for (const auto& [at, digits] : bytes) text.replace(2 + 2 * at, digits.size(), digits);

@@ -32,6 +32,25 @@ std::string Dict(std::initializer_list<const char*> keysAndTexts) {
   return xml + "</dict>";
 }
 
+std::string Item(const std::string& fields, const std::string& xml) {
+  std::string item = "<dict>";
+  for (std::size_t at = 0, end = 0; at < fields.size(); at = end + 1) {
+    end = std::min(fields.find(';', at), fields.size());
+    const std::size_t equals = fields.find('=', at);
+    const std::string type = fields[equals + 1] == '#' ? "integer" : "string";
+    const std::size_t value = equals + (type == "integer" ? 2 : 1);
+    item += "<key>" + fields.substr(at, equals - at) + "</key><" + type + ">" + fields.substr(value, end - value) +
+            "</" + type + ">";
+  }
+  return item + xml + "</dict>";
+}
+
+std::string Below(const std::string& key, const std::string& xml) { return "<key>" + key + "</key>" + xml; }
+
+std::string List(const std::string& key, const std::string& xml) { return Below(key, "<array>" + xml + "</array>"); }
+
+std::string Items(const std::string& xml) { return List("_items", xml); }
+
 TagTree RawTree(const std::string& dataTypes) {
   TagTree tree = CreateTree(true, "Macintosh");
   EnterProfilerData(ListOf(dataTypes), tree);
@@ -65,7 +84,10 @@ std::string ShownTree(const TagTree& tree, std::string_view path) {
 }
 
 std::string ShownSection(void (*build)(TagTree&, const TagTree&), const std::string& dataTypes, std::string_view path) {
-  const TagTree rawTree = RawTree(dataTypes);
+  return ShownSection(build, RawTree(dataTypes), path);
+}
+
+std::string ShownSection(void (*build)(TagTree&, const TagTree&), const TagTree& rawTree, std::string_view path) {
   TagTree inventory = CreateTree(true, "Snapshot");
   build(inventory, rawTree);
   return ShownTree(inventory, path);

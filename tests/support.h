@@ -17,6 +17,13 @@ std::string DataType(const std::string& name, const std::string& items);
 // "key", "text" and so on as a <dict> of texts; a text that begins with "<" is taken as XML.
 std::string Dict(std::initializer_list<const char*> keysAndTexts);
 
+// A <dict> from "key=text;key=#integer", with further XML inside.
+std::string Item(const std::string& fields, const std::string& xml = "");
+// What may stand inside: a key with anything, with an array, with the array of items.
+std::string Below(const std::string& key, const std::string& xml);
+std::string List(const std::string& key, const std::string& xml);
+std::string Items(const std::string& xml);
+
 // The raw tree of those data types.
 TagTree RawTree(const std::string& dataTypes);
 
@@ -28,6 +35,7 @@ std::string TextOfTree(const TagTree& tree);
 std::string ShownTree(const TagTree& tree, std::string_view path);
 // Of what a builder adds to an empty inventory.
 std::string ShownSection(void (*build)(TagTree&, const TagTree&), const std::string& dataTypes, std::string_view path);
+std::string ShownSection(void (*build)(TagTree&, const TagTree&), const TagTree& rawTree, std::string_view path);
 
 // A folder at the front of PATH while it lives, with tools made of shell lines.
 class Tools {
