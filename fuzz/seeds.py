@@ -52,9 +52,10 @@ def answers(recording):
     """What stands_ins.cpp hands out, in its order."""
     place = lambda *names: os.path.join(recording, *names)
     plugins = place("Library", "Internet Plug-Ins")
-    bundles = (place(plugins, name, "Contents", "Info.plist") for name in sorted(os.listdir(plugins)))
+    names = sorted(os.listdir(plugins)) if os.path.isdir(plugins) else []
+    bundles = (place(plugins, name, "Contents", "Info.plist") for name in names)
     return [read(place("ioreg.txt")), read(place("users.txt")), read_all(place("dscl"))[0], read(place("env.txt")),
-            read_all(place("ps"))[0], read_all(place("diskutil"))[0], next(read(b) for b in bundles if os.path.exists(b)),
+            read_all(place("ps"))[0], read_all(place("diskutil"))[0], next((read(b) for b in bundles if os.path.exists(b)), b""),
             read(place("computer-name.txt"))]
 
 
