@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 enum class PropertyListKind : std::uint8_t { Null, Dictionary, Array, Text, Number, Date, Boolean, Data };
@@ -41,6 +42,18 @@ struct PropertyList {
   std::vector<std::string> keys;    // Dictionary: in the source's order, one for each element of items
   std::vector<PropertyList> items;  // Dictionary and Array
 };
+
+inline PropertyList MakeNode(PropertyListKind kind) {
+  PropertyList node;
+  node.kind = kind;
+  return node;
+}
+
+inline PropertyList MakeText(std::string text) {
+  PropertyList node = MakeNode(PropertyListKind::Text);
+  node.text = std::move(text);
+  return node;
+}
 
 inline bool IsFloating(NumberType type) {
   return type == NumberType::Float32 || type == NumberType::Float64 || type == NumberType::Float ||

@@ -113,6 +113,8 @@ sed 's/^/  /;s/\$/   /' \"\$QUILL_RECORDING/processes.txt\""
 plugins='Library/Internet Plug-Ins'
 mkdir -p "$work/mac/$plugins/A b.plugin/Contents"
 printf 'bplist00\000\377' >"$work/mac/$plugins/A b.plugin/Contents/Info.plist"
+mkdir -p "$work/mac/$plugins/.hidden/Support Files"
+echo '<plist/>' | tee "$work/mac/$plugins/.hidden/Info.plist" >"$work/mac/$plugins/.hidden/Support Files/Info.plist"
 cp -R "$work/mac/Library" "$rec/"
 Record() {
   QUILL_ROOT=$work/mac QUILL_RECORDING=$rec PATH=$work/extra:$bin:$PATH "$root/replay/record" "$@" 2>/dev/null; echo $?

@@ -251,6 +251,7 @@ TEST(Libraries, NeedAnInformationDictionary) {
   unsetenv("QUILL_RECORDING");
   EXPECT_EQ(ShownTree(tree, "Libraries"), R"(
 +Libraries=
+*library:=; path=/Library/Internet Plug-Ins/.e.plugin; group=InternetPlug-Ins
 *library:a\rc 1=a\rc; path=/Library/Internet Plug-Ins/a\rc.plugin; version=1; descr=i; group=InternetPlug-Ins
 *library:b=b; path=/Library/Internet Plug-Ins/b.x.plugin; descr=w; group=InternetPlug-Ins
 -

@@ -56,7 +56,7 @@ void AddSystem(PropertyList& item) {
   const std::string version = text.substr(kSystemPrefix.size());
   const std::vector<std::int64_t> numbers = VersionNumbers(version);
   if (numbers.empty()) return;
-  PropertyList system = MakeContainer(PropertyListKind::Dictionary);
+  PropertyList system = MakeNode(PropertyListKind::Dictionary);
   AddMissing(system, "name", MakeText(SystemName(numbers)));
   AddMissing(system, "version", MakeText(version));
   const std::size_t update = HasTwoNumbers(numbers) ? 2 : 1;

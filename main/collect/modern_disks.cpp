@@ -35,7 +35,7 @@ std::vector<PropertyList> MediaOf(const PropertyList& device) {
 
 // What the device says of itself, without what it holds.
 PropertyList ScalarsOf(const PropertyList& device) {
-  PropertyList copy = MakeContainer(PropertyListKind::Dictionary);
+  PropertyList copy = MakeNode(PropertyListKind::Dictionary);
   for (std::size_t i = 0; i < device.items.size(); ++i) {
     if (!device.items[i].items.empty()) continue;
     copy.keys.push_back(device.keys[i]);

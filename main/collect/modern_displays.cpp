@@ -51,7 +51,7 @@ bool IsResolution(std::string_view text) {
 
 void AddMonitor(PropertyList& display) {
   if (FindKey(&display, "_spdisplays_edid") || TextUnderKey(display, "_name") == kNoDisplay) return;
-  PropertyList monitor = MakeContainer(PropertyListKind::Dictionary);
+  PropertyList monitor = MakeNode(PropertyListKind::Dictionary);
   for (const NumberKey& number : kNumberKeys)
     if (const std::int64_t known = NumberUnderKey(display, number))
       AddMissing(monitor, number.name, MakeInteger(known));

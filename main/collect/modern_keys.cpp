@@ -44,22 +44,10 @@ void AddOlderKeys(PropertyList& list) {
   AddNetworkKeys(list);
 }
 
-PropertyList MakeText(std::string text) {
-  PropertyList node = MakeContainer(PropertyListKind::Text);
-  node.text = std::move(text);
-  return node;
-}
-
 PropertyList MakeInteger(std::int64_t number) {
-  PropertyList node = MakeContainer(PropertyListKind::Number);
+  PropertyList node = MakeNode(PropertyListKind::Number);
   node.numberType = NumberType::SInt64;
   node.integer = number;
-  return node;
-}
-
-PropertyList MakeContainer(PropertyListKind kind) {
-  PropertyList node;
-  node.kind = kind;
   return node;
 }
 
@@ -95,7 +83,7 @@ void CopyMissing(PropertyList& dictionary, const char* key, const PropertyList& 
 }
 
 void AddToSummary(PropertyList& result, const char* key, std::string text) {
-  AddMissing(result, kSummaryKey, MakeContainer(PropertyListKind::Dictionary));
+  AddMissing(result, kSummaryKey, MakeNode(PropertyListKind::Dictionary));
   if (PropertyList* summary = FindKeyToChange(result, kSummaryKey, PropertyListKind::Dictionary))
     AddMissing(*summary, key, MakeText(std::move(text)));
 }

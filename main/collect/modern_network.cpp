@@ -38,22 +38,22 @@ std::vector<Interface> AddSubNets(PropertyList& list) {
 // missing on the way is made; null when something else is in its place.
 PropertyList* LocationServices(PropertyList& list) {
   if (ResultsOf(list, kLocations).empty()) {
-    PropertyList result = MakeContainer(PropertyListKind::Dictionary);
+    PropertyList result = MakeNode(PropertyListKind::Dictionary);
     AddMissing(result, "_dataType", MakeText(kLocations));
     list.items.insert(list.items.begin(), std::move(result));  // the last one has a meaning of its own
   }
   PropertyList& result = *ResultsOf(list, kLocations).front();
-  AddMissing(result, "_items", MakeContainer(PropertyListKind::Array));
+  AddMissing(result, "_items", MakeNode(PropertyListKind::Array));
   PropertyList* locations = FindKeyToChange(result, "_items", PropertyListKind::Array);
   if (!locations) return nullptr;
-  if (locations->items.empty()) locations->items.push_back(MakeContainer(PropertyListKind::Dictionary));
+  if (locations->items.empty()) locations->items.push_back(MakeNode(PropertyListKind::Dictionary));
   PropertyList* location = &locations->items.back();
   for (PropertyList& one : ItemsOf(result)) {
     if (TextUnderKey(one, "spnetworklocation_isActive") != "yes") continue;
     location = &one;
     break;
   }
-  AddMissing(*location, kServices, MakeContainer(PropertyListKind::Array));
+  AddMissing(*location, kServices, MakeNode(PropertyListKind::Array));
   return FindKeyToChange(*location, kServices, PropertyListKind::Array);
 }
 
@@ -70,7 +70,7 @@ void AddHardwareAddresses(std::vector<PropertyList>& services, const std::vector
     if (!known.insert(interface.address).second) continue;
     const auto place = withoutAddress.find(interface.name);
     const bool isNew = place == withoutAddress.end();
-    if (isNew) services.push_back(MakeContainer(PropertyListKind::Dictionary));
+    if (isNew) services.push_back(MakeNode(PropertyListKind::Dictionary));
     AddMissing(isNew ? services.back() : services[place->second], "hardware_address", MakeText(interface.address));
     if (!isNew) withoutAddress.erase(place);
   }

@@ -24,9 +24,7 @@ void AddUsbKeys(PropertyList& result);
 void AddStorageKeys(PropertyList& list);
 void AddNetworkKeys(PropertyList& list);
 
-PropertyList MakeText(std::string text);
 PropertyList MakeInteger(std::int64_t number);
-PropertyList MakeContainer(PropertyListKind kind);
 
 // The value under `key` when it is of `kind`, else null. Owned by `node`.
 PropertyList* FindKeyToChange(PropertyList& node, std::string_view key, PropertyListKind kind);

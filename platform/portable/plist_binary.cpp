@@ -25,8 +25,7 @@ using OwnedNode = std::unique_ptr<void, FreeNode>;
 PropertyList Convert(plist_t node);
 
 PropertyList ConvertDictionary(plist_t node) {
-  PropertyList dictionary;
-  dictionary.kind = PropertyListKind::Dictionary;
+  PropertyList dictionary = MakeNode(PropertyListKind::Dictionary);
   const std::uint32_t size = plist_dict_get_size(node);
   dictionary.keys.reserve(size);
   dictionary.items.reserve(size);
@@ -46,8 +45,7 @@ PropertyList ConvertDictionary(plist_t node) {
 }
 
 PropertyList ConvertArray(plist_t node) {
-  PropertyList array;
-  array.kind = PropertyListKind::Array;
+  PropertyList array = MakeNode(PropertyListKind::Array);
   const std::uint32_t size = plist_array_get_size(node);
   array.items.reserve(size);
   plist_array_iter rawIterator = nullptr;

@@ -1,21 +1,15 @@
 // Turns the text of an XML element into a number or a moment.
 #include "platform/portable/plist_scalars.h"
 
+#include <algorithm>
 #include <cstdlib>
-#include <utility>
 
 namespace {
 
 constexpr std::uint64_t kSignBit = std::uint64_t{1} << 63;
 
-PropertyList OfKind(PropertyListKind kind) {
-  PropertyList list;
-  list.kind = kind;
-  return list;
-}
-
 PropertyList MakeInteger(std::int64_t number, NumberType type) {
-  PropertyList list = OfKind(PropertyListKind::Number);
+  PropertyList list = MakeNode(PropertyListKind::Number);
   list.numberType = type;
   list.integer = number;
   return list;
@@ -71,32 +65,26 @@ int TakeNumber(std::string_view& text, std::size_t count, char end) {
 
 }  // namespace
 
-PropertyList MakeText(std::string text) {
-  PropertyList list = OfKind(PropertyListKind::Text);
-  list.text = std::move(text);
-  return list;
-}
-
 PropertyList MakeReal(double number) {
-  PropertyList list = OfKind(PropertyListKind::Number);
+  PropertyList list = MakeNode(PropertyListKind::Number);
   list.numberType = NumberType::Float64;
   list.real = number;
   return list;
 }
 
 PropertyList MakeDate(double seconds) {
-  PropertyList list = OfKind(PropertyListKind::Date);
+  PropertyList list = MakeNode(PropertyListKind::Date);
   list.real = seconds;
   return list;
 }
 
 PropertyList MakeBoolean(bool flag) {
-  PropertyList list = OfKind(PropertyListKind::Boolean);
+  PropertyList list = MakeNode(PropertyListKind::Boolean);
   list.integer = flag ? 1 : 0;
   return list;
 }
 
-PropertyList MakeData() { return OfKind(PropertyListKind::Data); }
+PropertyList MakeData() { return MakeNode(PropertyListKind::Data); }
 
 PropertyList MakeWholeNumber(std::int64_t number) {
   return MakeInteger(number, number >= -1 && number <= 12 ? NumberType::SInt32 : NumberType::SInt64);

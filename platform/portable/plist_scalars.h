@@ -8,7 +8,6 @@
 
 #include "platform/property_list.h"
 
-PropertyList MakeText(std::string text);
 PropertyList MakeReal(double number);
 PropertyList MakeDate(double seconds);
 PropertyList MakeBoolean(bool flag);

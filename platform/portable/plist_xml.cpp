@@ -169,8 +169,7 @@ void MergeRepeatedKeys(PropertyList& dictionary) {
     isRepeated[order[i]] = hasRepeated = true;
   }
   if (!hasRepeated) return;
-  PropertyList merged;
-  merged.kind = PropertyListKind::Dictionary;
+  PropertyList merged = MakeNode(PropertyListKind::Dictionary);
   for (std::size_t i = 0; i < keys.size(); ++i) {
     if (isRepeated[i]) continue;
     merged.keys.push_back(std::move(dictionary.keys[i]));
@@ -191,8 +190,8 @@ void Close(Reading& reading) {
   reading.open.pop_back();
   if (open.element->element == Element::Plist) return;  // its one value stays where it is
   --reading.containers;
-  PropertyList container;
-  container.kind = open.element->element == Element::Array ? PropertyListKind::Array : PropertyListKind::Dictionary;
+  const bool isArray = open.element->element == Element::Array;
+  PropertyList container = MakeNode(isArray ? PropertyListKind::Array : PropertyListKind::Dictionary);
   const auto value = reading.values.begin() + static_cast<std::ptrdiff_t>(open.firstValue);
   const auto key = reading.keys.begin() + static_cast<std::ptrdiff_t>(open.firstKey);
   container.items.assign(std::make_move_iterator(value), std::make_move_iterator(reading.values.end()));
