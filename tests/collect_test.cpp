@@ -99,19 +99,18 @@ TEST(RawTree, TakesEveryKindOfValueByItsLevel) {
       "<string>stray</string><dict><key>_dataType</key><string>SPFontsDataType</string><key>a</key><string>b</string></"
       "dict>"
       "<dict><key>a</key><string>no type</string></dict>"
-      "<dict><key>_dataType</key><string>T/U</string><key>_detailLevel</key><integer>1</integer>"
-      "<key>_properties</key><dict><key>a</key><string>b</string></dict>"
-      "<key>big</key><integer>13</integer><key>small</key><integer>-1</integer>"
-      "<key>Anna's, \u2018Mail\u2019/x\u201C</key><string> a\nb </string><key>flag</key><true/>"
-      "<key>d</key><dict><key>big</key><integer>-13</integer><key>real</key><real>2.5</real><key>data</key><data>AA==</"
-      "data>"
-      "<key>old</key><date>1901-01-01T00:00:00Z</date><key>late</key><date>4001-02-03T04:05:06Z</date><key>empty</"
-      "key><array/><key>list</key><array><string>x</string><true/><array><integer>2</integer></array></array>"
-      "<key>top</key><integer>18446744073709551615</integer></dict></dict>");
+      "<dict><key>Anna's, \u2018Mail\u2019/x\u201C</key><string> a\nb </string><key>_dataType</key><string>T/U</string>"
+      "<key>_detailLevel</key><integer>1</integer><key>_properties</key><dict><key>a</key><string>b</string></dict>"
+      "<key>big</key><integer>13</integer><key>d</key><dict><key>big</key><integer>-13</integer><key>data</key>"
+      "<data>AA==</data><key>empty</key><array/><key>late</key><date>4001-02-03T04:05:06Z</date><key>list</key>"
+      "<array><string>x</string><true/><array><integer>2</integer></array></array>"
+      "<key>old</key><date>1901-01-01T00:00:00Z</date><key>real</key><real>2.5</real>"
+      "<key>top</key><integer>18446744073709551615</integer></dict><key>flag</key><true/>"
+      "<key>small</key><integer>-1</integer></dict>");
   EXPECT_EQ(TextOfTree(tree),
-            "+Macintosh=\n+T=\n+U=\nbig=13\nsmall=4294967295\nAnna_s___Mail__x\u201C=a\rb\n+d=\nbig=-13\nreal=2.50\n"
-            "old=19010101000000.000000+0\nlate=40010203040506.000000+0\ntop=-1\n+list=\nitem0=x\n*item2=\nitem0=2\n-\n-"
-            "\n-\n-\n-\n");
+            "+Macintosh=\n+T=\n+U=\nAnna_s___Mail__x\u201C=a\rb\nbig=13\nsmall=4294967295\n+d=\nbig=-13\n"
+            "late=40010203040506.000000+0\nold=19010101000000.000000+0\nreal=2.50\ntop=-1\n+list=\nitem0=x\n"
+            "*item2=\nitem0=2\n-\n-\n-\n-\n-\n");
   EXPECT_EQ(FindAttribute(*RootOf(tree).children[0]->children[0], "big")->value.kind, ValueKind::String);
 }
 
@@ -126,12 +125,14 @@ TEST(RawTree, DataTypeNamesOfMoreThan512SegmentsAreUnreadable) {
 
 TEST(RawTree, NamedListsCountWhatTheySkip) {
   const std::string list =
-      "<dict><key>A/b</key><string>v</string><key>n</key><integer>20</integer><key>c</key><string/></dict>";
-  const TagTree tree = RawTree("<dict><key>_dataType</key><string>T</string><key>spfirewall_services</key>" + list +
-                               "<key>i</key><dict><key>spfirewall_services</key>" + list + "</dict></dict>");
+      "<dict><key>A/b</key><string>v</string><key>b</key><integer>20</integer><key>c</key><string/></dict>";
+  const TagTree tree = RawTree(
+      "<dict><key>_dataType</key><string>T</string><key>i</key><dict><key>spfirewall_services"
+      "</key>" +
+      list + "</dict><key>spfirewall_services</key>" + list + "</dict>");
   EXPECT_EQ(TextOfTree(tree),
-            "+Macintosh=\n+T=\n*spfirewall_services=\nA_b=v\nn=20\nc=\n+i=\n+spfirewall_services=\n"
-            "*item0=\n_name=A/b\nvalue=v\n*item2=\n_name=c\nvalue=\n-\n-\n-\n-\n");
+            "+Macintosh=\n+T=\n+i=\n+spfirewall_services=\n*item0=\n_name=A/b\nvalue=v\n*item2=\n_name=c\nvalue=\n-\n"
+            "-\n*spfirewall_services=\nA_b=v\nb=20\nc=\n-\n-\n");
 }
 
 TEST(RawTree, NumbersOfEveryStorageType) {

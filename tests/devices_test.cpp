@@ -190,17 +190,17 @@ TEST(LogicalDisks, QuantitiesAndPercentages) {
 }
 
 TEST(Usb, HubsAreOnlyWalked) {
-  const std::string keyboard = Item("_name=Keyboard;product_id=0x1;vendor_id=v;device_speed=low_speed");
+  const std::string keyboard = Item("_name=Keyboard;device_speed=low_speed;product_id=0x1;vendor_id=v");
   const std::string inner = Item("", Items(Item("device_speed=super_speed")));
   const std::string mouse = Item("_name=Mouse;d_serial_num=9;device_speed=warp");
   const std::string usb = Item("_name=Hub;removable_media=no", Items(keyboard + inner + mouse)) +
-                          Item("f_manufacturer=M;x_bus_power=1;bcd_device=2");
+                          Item("bcd_device=2;f_manufacturer=M;x_bus_power=1");
   EXPECT_EQ(ShownSection(BuildUsbSection, DataType("SPUSBDataType", usb), "Peripherals/USB"), R"(
 +USB=
-*Device:1=Keyboard; product-id=0x1; vendor-id=v; device-speed=1.5
+*Device:1=Keyboard; device-speed=1.5; product-id=0x1; vendor-id=v
 *Device:2=; device-speed=5 ~units=Gbit-s
 *Device:3=Mouse; serial-number=9
-*Device:4=; manuf=M; bus-power=1; bcd-device=2
+*Device:4=; bcd-device=2; manuf=M; bus-power=1
 -
 )");
 }
@@ -267,13 +267,13 @@ TEST(Firewall, LaterItemsOverwrite) {
   };
   const std::string items =
       item("spfirewall_globalstate=spfirewall_globalstate_block_all;spfirewall_stealthenabled=no",
-           "SSH, old=spfirewall_block_all;Gap=#1;FTP=x") +
+           "FTP, old=spfirewall_block_all;Gap=#1;SSH=x") +
       item("spfirewall_loggingenabled=#1;spfirewall_stealthenabled=No", "VNC=spfirewall_allow_all");
   EXPECT_EQ(ShownSection(BuildFirewallSection, DataType("SPFirewallDataType", items), "Security/Firewall"), R"(
 +Firewall=; status=2; stealth-mode=0; fw-log=1
 +Services=; service:1= ~complex=; service:2= ~complex=
 *service:1=VNC; status=1
-*service:2=FTP; status=1
+*service:2=SSH; status=1
 -
 -
 )");

@@ -81,13 +81,13 @@ TEST(System, MainsPowerAlsoDescribesTheWhole) {
   const std::string battery = Dict({"Wake_On_LAN", "yes"});
   const std::string mains = Dict({"Disk Sleep Timer", "<integer>10</integer>", "Wake On LAN", "Yes"});
   const std::string power =
-      Dict({"_name", "sppower_information", "Battery Power", battery.c_str(), "AC Power", mains.c_str()});
+      Dict({"AC Power", mains.c_str(), "Battery Power", battery.c_str(), "_name", "sppower_information"});
   EXPECT_EQ(ShownSection(BuildSystemSection, DataType("SPPowerDataType", Dict({"_name", "x"}) + power + power),
                          "System/PowerManagement"),
             R"(
 +PowerManagement=; disk-sleep-timer=10; wake-on-lan=1
-*Profile:1=Battery_Power; wake-on-lan=0
-*Profile:2=AC Power; disk-sleep-timer=10; wake-on-lan=1
+*Profile:1=AC Power; disk-sleep-timer=10; wake-on-lan=1
+*Profile:2=Battery_Power; wake-on-lan=0
 -
 )");
 }

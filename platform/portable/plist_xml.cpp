@@ -198,7 +198,7 @@ void Close(Reading& reading) {
   container.keys.assign(std::make_move_iterator(key), std::make_move_iterator(reading.keys.end()));
   reading.values.erase(value, reading.values.end());
   reading.keys.erase(key, reading.keys.end());
-  MergeRepeatedKeys(container);
+  if (!isArray) MergeRepeatedKeys(container);
   reading.values.push_back(IsArchiveReference(container) ? PropertyList() : std::move(container));
 }
 
