@@ -3,6 +3,7 @@
 #include "fuzz/fuzz.h"
 #include "reader/commands.h"
 #include "reader/csv.h"
+#include "reader/show.h"
 
 namespace {
 

@@ -2,6 +2,8 @@
 #include <algorithm>
 
 #include "reader/commands.h"
+#include "reader/run.h"
+#include "reader/text.h"
 
 namespace {
 
@@ -34,3 +36,26 @@ Faults CheckDocument(const Document& document) {
     AddFault(faults, 0, "the header counts more snapshots than there are", "the index");
   return faults;
 }
+
+namespace {
+
+int RunCheck(const Arguments& arguments) {
+  return ForEachPath(arguments, [&arguments](const std::string& path) {
+    Document document;
+    if (!Load(path, arguments.limit, document)) return kTrouble;
+    const Faults faults = CheckDocument(document);
+    for (const Fault& fault : faults) Write(Printable(path) + ": " + FaultText(fault) + "\n");
+    if (faults.empty()) Write(Printable(path) + ": sound\n");
+    return faults.empty() ? kSound : kDifferent;
+  });
+}
+
+}  // namespace
+
+const Command kCheckCommand = {
+    "check",
+    RunCheck,
+    0,
+    "Look for everything that can be wrong with a file; each fault with its offset.",
+    "Exit status: 0 all sound, 1 faults, 2 a file cannot be read.\n\nExample:\n  quillinv check *.inv",
+    {}};

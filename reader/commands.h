@@ -1,12 +1,21 @@
-// The commands of quillinv that work on whole files: what each gives for one file that was read. csv has a header of
-// its own.
+// The commands of quillinv, and what those that work on whole files give for one file that was read. show and csv have
+// headers of their own.
 #pragma once
 
 #include <optional>
 #include <string>
 
+#include "reader/command.h"
 #include "reader/document.h"
-#include "reader/show.h"
+
+// Each is defined in the file of its name.
+extern const Command kListCommand;
+extern const Command kShowCommand;
+extern const Command kJsonCommand;
+extern const Command kCsvCommand;
+extern const Command kDiffCommand;
+extern const Command kExtractCommand;
+extern const Command kCheckCommand;
 
 // list: the index as a table.
 std::string ListText(const Document& document);

@@ -1,48 +1,88 @@
 // Picks attributes of the AssetInfo tree, its control block and the snapshot's head, and quotes them as fields.
 #include "reader/csv.h"
 
-#include <sstream>
-
+#include "reader/commands.h"
+#include "reader/run.h"
 #include "reader/text.h"
 #include "reader/tree_path.h"
 
 namespace {
 
-// The names that stand for an attribute, and the path in front of it. A name in two groups belongs to the first.
-struct Group {
-  const char* path;
-  const char* names;
+constexpr char kAsset[] = "AssetInfo/";
+constexpr char kControl[] = "AssetInfo/control/";
+constexpr char kSnapshot[] = "Snapshot/";
+
+struct NamedColumn {
+  const char* name;
+  const char* place;     // path in front of the name; empty for the file itself
+  bool isUsual = false;  // a row has it when no columns are chosen
 };
 
-constexpr Group kGroups[] = {
-    {"AssetInfo/",
-     "hostname int-name alias ip-address static-ip mac-address serial-number\n"
-     "uuid user-name login inv-number asset-tag asset-type virtual-type\n"
-     "scan-type scan-subtype first-scan last-scan description comment\n"
-     "error-message"},
-    {"AssetInfo/control/",
-     "domain os-name os-ver os-sp os-arch os-manuf system-model system-manuf\n"
-     "chassis-manuf cpu-model cpu-manuf cpu-count cpu-count-virtual cpu-speed\n"
-     "phys-memory hdd-capacity video-ram video-res monitor-count monitor-diag\n"
-     "fw-status"},
-    {"Snapshot/", "timestamp scan-time client-version snaptype"},
+// The usual ones stand in the order of a row.
+constexpr NamedColumn kColumns[] = {
+    {"file", "", true},
+    {"hostname", kAsset, true},
+    {"int-name", kAsset, true},
+    {"domain", kControl, true},
+    {"ip-address", kAsset, true},
+    {"mac-address", kAsset, true},
+    {"serial-number", kAsset, true},
+    {"uuid", kAsset, true},
+    {"user-name", kAsset, true},
+    {"last-scan", kAsset, true},
+    {"client-version", kSnapshot, true},
+    {"system-model", kControl, true},
+    {"virtual-type", kAsset, true},
+    {"os-name", kControl, true},
+    {"os-ver", kControl, true},
+    {"os-sp", kControl, true},
+    {"os-arch", kControl, true},
+    {"cpu-model", kControl, true},
+    {"cpu-count", kControl, true},
+    {"cpu-speed", kControl, true},
+    {"phys-memory", kControl, true},
+    {"hdd-capacity", kControl, true},
+    {"video-ram", kControl, true},
+    {"video-res", kControl, true},
+    {"monitor-count", kControl, true},
+    {"error-message", kAsset, true},
+    {"alias", kAsset},
+    {"static-ip", kAsset},
+    {"login", kAsset},
+    {"inv-number", kAsset},
+    {"asset-tag", kAsset},
+    {"asset-type", kAsset},
+    {"scan-type", kAsset},
+    {"scan-subtype", kAsset},
+    {"first-scan", kAsset},
+    {"description", kAsset},
+    {"comment", kAsset},
+    {"os-manuf", kControl},
+    {"system-manuf", kControl},
+    {"chassis-manuf", kControl},
+    {"cpu-manuf", kControl},
+    {"cpu-count-virtual", kControl},
+    {"monitor-diag", kControl},
+    {"fw-status", kControl},
+    {"timestamp", kSnapshot},
+    {"scan-time", kSnapshot},
+    {"snaptype", kSnapshot},
 };
 
-constexpr char kDefaultNames[] =
-    "file,hostname,int-name,domain,ip-address,mac-address,serial-number,uuid,user-name,last-scan,client-version,"
-    "system-model,virtual-type,os-name,os-ver,os-sp,os-arch,cpu-model,cpu-count,cpu-speed,phys-memory,hdd-capacity,"
-    "video-ram,video-res,monitor-count,error-message";
+Column MakeColumn(const NamedColumn& named) {
+  return {named.name, *named.place == '\0' ? "" : std::string(named.place) + named.name};
+}
 
-// The column of that name; no value when there is none.
-std::optional<Column> FindColumn(const std::string& name) {
-  if (name == "file") return Column{name, ""};
-  if (name.find('/') != std::string::npos) return Column{name, name};
-  for (const Group& group : kGroups) {
-    std::istringstream names(group.names);
-    for (std::string known; names >> known;)
-      if (name == known) return Column{name, group.path + name};
+// False when there is no column of that name.
+bool FindColumn(const std::string& name, Column& column) {
+  column = {name, name};
+  if (name.find('/') != std::string::npos) return true;
+  for (const NamedColumn& named : kColumns) {
+    if (name != named.name) continue;
+    column = MakeColumn(named);
+    return true;
   }
-  return std::nullopt;
+  return false;
 }
 
 std::string Field(std::string_view text) {
@@ -61,29 +101,29 @@ std::string Row(const std::vector<std::string>& texts) {
 
 }  // namespace
 
-const std::vector<Column>& DefaultColumns() {
-  std::string unknown;
-  static const std::vector<Column> columns = ParseColumns(kDefaultNames, unknown);
+std::vector<Column> DefaultColumns() {
+  std::vector<Column> columns;
+  for (const NamedColumn& named : kColumns)
+    if (named.isUsual) columns.push_back(MakeColumn(named));
   return columns;
 }
 
-std::string ColumnNames() {
-  std::string names = "file";
-  for (const Group& group : kGroups) names += std::string("\n") + group.names;
+std::vector<std::string> ColumnNames() {
+  std::vector<std::string> names;
+  for (const NamedColumn& named : kColumns) names.emplace_back(named.name);
   return names;
 }
 
-std::vector<Column> ParseColumns(std::string_view list, std::string& unknown) {
-  std::vector<Column> columns;
+bool ParseColumns(std::string_view list, std::vector<Column>& columns, std::string& trouble) {
+  columns.clear();
   while (true) {
     const std::string name(list.substr(0, list.find(',')));
-    const auto column = FindColumn(name);
-    if (!column) {
-      unknown = name;
-      return {};
+    columns.emplace_back();
+    if (!FindColumn(name, columns.back())) {
+      trouble = "there is no column " + Printable(name) + " (see quillinv csv --help)";
+      return false;
     }
-    columns.push_back(*column);
-    if (name.size() == list.size()) return columns;
+    if (name.size() == list.size()) return true;
     list.remove_prefix(name.size() + 1);
   }
 }
@@ -107,3 +147,31 @@ std::string CsvRow(const Document& document, const std::vector<Column>& columns)
   for (const Column& column : columns) texts.push_back(ColumnText(document, column));
   return Row(texts);
 }
+
+namespace {
+
+int RunCsv(const Arguments& arguments) {
+  std::vector<Column> columns = DefaultColumns();
+  std::string trouble;
+  if (!arguments.columns.empty() && !ParseColumns(arguments.columns, columns, trouble)) {
+    Complain(arguments.columns, trouble);
+    return kTrouble;
+  }
+  Write(CsvHeader(columns));
+  return ForEachFile(arguments, [&columns](const Document& document, std::string& out, std::string&) {
+    out = CsvRow(document, columns);
+    return true;
+  });
+}
+
+}  // namespace
+
+const Command kCsvCommand = {
+    "csv",
+    RunCsv,
+    0,
+    "Write one row for each computer, with a header row (RFC 4180).",
+    "Examples:\n  quillinv csv *.inv > fleet.csv\n"
+    "  quillinv csv --columns hostname,serial-number,Snapshot/OS/os:1/kernel *.inv",
+    {{"--columns", &Arguments::columns, "Names joined by commas; a name with a \"/\" is the path of any attribute",
+      ColumnNames}}};

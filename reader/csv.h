@@ -13,13 +13,13 @@ struct Column {
 };
 
 // The columns of a row when none are chosen.
-const std::vector<Column>& DefaultColumns();
-// The names of all columns that have one, in a few lines.
-std::string ColumnNames();
+std::vector<Column> DefaultColumns();
+// The names of all columns that have one.
+std::vector<std::string> ColumnNames();
 
 // The columns of a list such as "file,hostname,Snapshot/OS/os:1/kernel"; what holds a "/" is the path of an attribute.
-// No columns, and the odd one in `unknown`, when a name without "/" is none of ColumnNames.
-std::vector<Column> ParseColumns(std::string_view list, std::string& unknown);
+// False, and plain words in `trouble`, when a name without "/" is none of ColumnNames.
+bool ParseColumns(std::string_view list, std::vector<Column>& columns, std::string& trouble);
 
 // What the file holds for that column, as it stands there; empty when it holds nothing.
 std::string ColumnText(const Document& document, const Column& column);

@@ -9,6 +9,8 @@
 #include <vector>
 
 #include "reader/commands.h"
+#include "reader/run.h"
+#include "reader/show.h"
 #include "reader/text.h"
 
 namespace {
@@ -171,3 +173,25 @@ std::string DiffText(const Document& before, const Document& after, bool all) {
            Bytes(oldRaw.size()) + " -> " + Bytes(newRaw.size()) + ", compared as a whole");
   return comparison.out;
 }
+
+namespace {
+
+int RunDiff(const Arguments& arguments) {
+  Document before, after;
+  const bool sound = LoadSound(arguments.files[0], arguments.limit, before);
+  if (!LoadSound(arguments.files[1], arguments.limit, after) || !sound) return kTrouble;
+  const std::string text = DiffText(before, after, arguments.all);
+  if (!text.empty()) Write("--- " + Printable(before.path) + "\n+++ " + Printable(after.path) + "\n" + text);
+  return text.empty() ? kSound : kDifferent;
+}
+
+}  // namespace
+
+const Command kDiffCommand = {"diff",
+                              RunDiff,
+                              2,
+                              "Show what appeared (+), vanished (-) and changed (!) between two scans.",
+                              "Times, processes, uptime and free space are left out unless --all.\n"
+                              "Exit status: 0 no difference, 1 differences, 2 trouble.\n\n"
+                              "Example:\n  quillinv diff MYMAC_001EC2AABBCC.inv 'MYMAC_001EC2AABBCC(1).inv'",
+                              {{"--all", &Arguments::all, "Also what changes from scan to scan by itself"}}};

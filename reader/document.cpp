@@ -38,21 +38,29 @@ Section ReadSection(const InvRecord& record, std::string_view bytes, std::size_t
 
 }  // namespace
 
-std::string ReadFile(const std::string& path, std::string& bytes) {
+bool ReadFile(const std::string& path, std::string& bytes, std::string& trouble) {
   bytes.clear();
+  trouble.clear();
   const std::unique_ptr<std::FILE, CloseFile> file(std::fopen(path.c_str(), "rb"));
-  if (!file) return std::strerror(errno);
+  if (!file) {
+    trouble = std::strerror(errno);
+    return false;
+  }
   std::size_t got = kChunk;
   while (got == kChunk) {
     const std::size_t size = bytes.size();
-    if (size > kMaxFileSize) return "larger than 1 GiB, which no scan writes";
+    if (size > kMaxFileSize) {
+      trouble = "larger than 1 GiB, which no scan writes";
+      return false;
+    }
     bytes.resize(size + kChunk);
     errno = 0;
     got = std::fread(&bytes[size], 1, kChunk, file.get());
     bytes.resize(size + got);
   }
-  if (std::ferror(file.get())) return std::strerror(errno ? errno : EIO);
-  return "";
+  if (std::ferror(file.get()) == 0) return true;
+  trouble = std::strerror(errno != 0 ? errno : EIO);
+  return false;
 }
 
 Document ReadDocument(std::string path, std::string_view bytes, std::size_t limit) {

@@ -25,8 +25,8 @@ struct Document {
   Faults faults;                  // the container's, then the sections'
 };
 
-// Reads the whole file at `path`. Plain words when that fails, otherwise the empty text.
-std::string ReadFile(const std::string& path, std::string& bytes);
+// Reads the whole file at `path`. False, and plain words in `trouble`, when that fails.
+bool ReadFile(const std::string& path, std::string& bytes, std::string& trouble);
 
 // `bytes` taken apart; its bodies together may inflate to `limit` bytes.
 Document ReadDocument(std::string path, std::string_view bytes, std::size_t limit = kDefaultLimit);

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "reader/commands.h"
+#include "reader/run.h"
 
 namespace {
 
@@ -54,3 +55,27 @@ bool WriteExtract(const std::string& text, const std::string& path, std::string&
   trouble = whole ? "" : std::strerror(errno ? errno : EIO);
   return whole;
 }
+
+namespace {
+
+int RunExtract(const Arguments& arguments) {
+  return ForEachFile(arguments, [&arguments](const Document& document, std::string&, std::string& trouble) {
+    const auto text = ExtractText(document, arguments.section.value_or(DefaultSection(document)), trouble);
+    if (!text) return false;
+    if (WriteExtract(*text, arguments.output, trouble)) return true;
+    trouble = arguments.output + ": " + trouble;
+    return false;
+  });
+}
+
+}  // namespace
+
+const Command kExtractCommand = {
+    "extract",
+    RunExtract,
+    1,
+    "Write one section's body, inflated: the raw document of a debug scan, else section 0.",
+    "Examples:\n  quillinv extract DEBUG_001EC2AABBCC.inv -o profiler.plist\n"
+    "  quillinv extract --section 1 MYMAC_001EC2AABBCC.inv",
+    {{"--section", &Arguments::section, "Number of the section"},
+     {"-o,--output", &Arguments::output, "File to write; standard output when missing"}}};

@@ -6,6 +6,7 @@
 #include "reader/commands.h"
 #include "reader/csv.h"
 #include "reader/json_writer.h"
+#include "reader/run.h"
 
 namespace {
 
@@ -108,3 +109,22 @@ std::string DocumentJson(const Document& document, bool oneLine) {
   JsonClose(json, '}');
   return json.text + "\n";
 }
+
+namespace {
+
+int RunJson(const Arguments& arguments) {
+  return ForEachFile(arguments, [&arguments](const Document& document, std::string& out, std::string&) {
+    out = DocumentJson(document, arguments.lines);
+    return true;
+  });
+}
+
+}  // namespace
+
+const Command kJsonCommand = {
+    "json",
+    RunJson,
+    0,
+    "Write each file as a JSON document.",
+    "Examples:\n  quillinv json MYMAC_001EC2AABBCC.inv | jq .computer\n  quillinv json --lines *.inv > fleet.jsonl",
+    {{"--lines", &Arguments::lines, "One line a file"}}};

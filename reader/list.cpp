@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "reader/commands.h"
+#include "reader/run.h"
 #include "reader/text.h"
 
 namespace {
@@ -57,3 +58,22 @@ std::string ListText(const Document& document) {
   for (const Row& row : rows) text += Line(row, widths);
   return text;
 }
+
+namespace {
+
+int RunList(const Arguments& arguments) {
+  return ForEachFile(arguments, [](const Document& document, std::string& out, std::string&) {
+    out = ListText(document);
+    return true;
+  });
+}
+
+}  // namespace
+
+const Command kListCommand = {
+    "list",
+    RunList,
+    0,
+    "Show the index: each section's type, place, length and timestamp, and what its body holds.",
+    "Example:\n  quillinv list *.inv",
+    {}};

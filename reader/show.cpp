@@ -2,12 +2,16 @@
 // out.
 #include "reader/show.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <set>
 #include <vector>
 
+#include "reader/commands.h"
+#include "reader/run.h"
 #include "reader/text.h"
 #include "reader/tree_path.h"
 
@@ -141,3 +145,31 @@ std::string ShowText(const Document& document, const ShowOptions& options) {
   }
   return out;
 }
+
+namespace {
+
+int RunShow(const Arguments& arguments) {
+  const bool colour = isatty(STDOUT_FILENO) != 0 && std::getenv("NO_COLOR") == nullptr;
+  const ShowOptions options = {arguments.raw, colour, arguments.word};
+  return ForEachFile(arguments, [&options](const Document& document, std::string& out, std::string& trouble) {
+    out = ShowText(document, options);
+    if (!out.empty() || options.path.empty()) return true;
+    trouble = "holds nothing at " + Printable(options.path);
+    return false;
+  });
+}
+
+}  // namespace
+
+const Command kShowCommand = {
+    "show",
+    RunShow,
+    1,
+    "Show the trees in readable form, or the part of them that PATH names.",
+    "A raw document of a debug scan is written unchanged.\n\nExamples:\n"
+    "  quillinv show MYMAC_001EC2AABBCC.inv\n"
+    "  quillinv show MYMAC_001EC2AABBCC.inv Snapshot/Storage\n"
+    "  quillinv show MYMAC_001EC2AABBCC.inv AssetInfo/serial-number\n"
+    "  quillinv show --raw MYMAC_001EC2AABBCC.inv Snapshot > snapshot.zxml",
+    {{"--raw", &Arguments::raw, "The zXML text unchanged; PATH then names a root"}},
+    {Word::Place::AfterFiles, "PATH", "What to show, such as Snapshot/Storage; names compare exactly"}};

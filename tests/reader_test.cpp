@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "reader/commands.h"
+#include "reader/show.h"
 #include "reader/text.h"
 #include "reader/zxml_reader.h"
 #include "zxml/INVfile.h"
