@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "reader/commands.h"
+#include "reader/identity.h"
 #include "reader/show.h"
 #include "reader/text.h"
 #include "reader/zxml_reader.h"
@@ -244,4 +245,21 @@ TEST(Diff, PairsNumberedTagsByValue) {
                {"e=2", "e=2\n~u=\nnew=n", "! Snapshot/HDD:2/size: 2 -> 2  (u )\n+ Snapshot/HDD:2/new: n\n"}};
   for (const auto& [from, to, lines, all] : cases)
     EXPECT_EQ(DiffText(DocumentOf(before), DocumentOf(Replaced(before, from, to)), all), lines) << from;
+}
+
+TEST(Identity, ReadsTimestampsOfEveryZone) {
+  const std::pair<const char*, const char*> cases[] = {{"20260102030405.000000+60", "2026-01-02T02:04:05Z"},
+                                                       {"20240229233000.000000-300", "2024-03-01T04:30:00Z"},
+                                                       {"20001231235959.000000+0", "2000-12-31T23:59:59Z"},
+                                                       {"19691231000000.000000-0", "1969-12-31T00:00:00Z"},
+                                                       {"16010101000000.000000+720", "1600-12-31T12:00:00Z"},
+                                                       {"20260229000000.000000+0", ""},
+                                                       {"20261301000000.000000+0", ""},
+                                                       {"20260102030405", ""},
+                                                       {"20260102030405.000000+60x", ""},
+                                                       {"2026010203040", ""}};
+  for (const auto& [timestamp, iso] : cases) {
+    const auto moment = ParseTimestamp(timestamp);
+    EXPECT_EQ(moment ? IsoMoment(*moment) : "", iso) << timestamp;
+  }
 }
