@@ -5,39 +5,35 @@
 #include <utility>
 #include <vector>
 
+#include "reader/inflate.h"
 #include "reader/inv_reader.h"
 #include "reader/text.h"
 
 namespace {
-
-using namespace std::string_view_literals;
-
-constexpr std::string_view kHeader = "\xEF\xBB\xBF?zxml\n"sv;
-constexpr std::string_view kDeflatedEnd = "\0\1ZXML"sv;  // split flag, compression flag, mark
-constexpr std::size_t kPlainPadding = 102;               // zero bytes behind a plain text
-constexpr std::size_t kSplitEnd = 4 + 1 + 1;             // length of all pieces, split flag, compression flag
 
 struct Piece {
   std::size_t offset = 0;
   std::size_t length = 0;
 };
 
+// What is being unpacked, and into what.
+struct Unpacking {
+  const SavedBody& saved;
+  InvBody& result;
+  Faults& faults;
+};
+
+std::string BeyondLimit(std::size_t limit) { return "the text takes more than the " + Bytes(limit) + " allowed"; }
+
 BodyForm FormOf(std::string_view body, std::optional<InvSectionType> type) {
-  const auto endsWith = [body](std::string_view end) {
-    return body.size() >= end.size() && body.substr(body.size() - end.size()) == end;
+  const auto endsWith = [body](std::string_view end, std::size_t least) {
+    return body.size() >= least && body.substr(body.size() - end.size()) == end;
   };
   if (type == InvSectionType::RawData) return BodyForm::Raw;
-  if (endsWith(kDeflatedEnd)) return BodyForm::Deflated;
-  if (body.size() >= kSplitEnd && endsWith("\1\1"sv)) return BodyForm::SplitDeflated;
-  if (body.size() >= kSplitEnd && endsWith("\1\0"sv)) return BodyForm::SplitPlain;
-  return body.substr(0, kHeader.size()) == kHeader ? BodyForm::Plain : BodyForm::Unknown;
-}
-
-std::uint64_t GetLength(std::string_view bytes, bool littleEndian) {
-  std::uint64_t length = 0;
-  for (std::size_t i = 0; i < 4; ++i)
-    length = (length << 8) | static_cast<unsigned char>(bytes[littleEndian ? 3 - i : i]);
-  return length;
+  if (endsWith(kDeflatedEnd, kDeflatedEnd.size())) return BodyForm::Deflated;
+  if (endsWith(kSplitDeflatedEnd, kSplitEndSize)) return BodyForm::SplitDeflated;
+  if (endsWith(kSplitPlainEnd, kSplitEndSize)) return BodyForm::SplitPlain;
+  return body.substr(0, kZxmlHeader.size()) == kZxmlHeader ? BodyForm::Plain : BodyForm::Unknown;
 }
 
 // The line of `text` at `at` without `start` at its front, as a number; moves `at` to the next line.
@@ -72,82 +68,97 @@ std::vector<Piece> ParseSplitIndex(std::string_view text, std::uint64_t total) {
 }
 
 // The pieces when the 32-bit length is read in that byte order; none when that leads nowhere.
-std::vector<Piece> ReadPieces(std::string_view body, bool littleEndian, bool deflated, std::size_t limit) {
-  const std::uint64_t total = GetLength(body.substr(body.size() - kSplitEnd), littleEndian);
-  if (total > body.size() - kSplitEnd) return {};
-  const std::string_view index = body.substr(static_cast<std::size_t>(total), body.size() - kSplitEnd - total);
+std::vector<Piece> ReadPieces(const SavedBody& saved, bool littleEndian, bool deflated) {
+  const std::string_view body = saved.bytes.substr(0, saved.bytes.size() - kSplitEndSize);
+  const std::uint64_t total = GetNumber(saved.bytes.substr(body.size(), kSplitLengthSize), littleEndian);
+  if (total > body.size()) return {};
+  const std::string_view index = body.substr(static_cast<std::size_t>(total));
+  const std::size_t limit = std::min(saved.limit, kIndexLimit);
   if (!deflated) return ParseSplitIndex(index.size() <= limit ? index : std::string_view(), total);
-  const Inflated inflated = Inflate(index, limit);
-  return inflated.trouble.empty() ? ParseSplitIndex(inflated.text, total) : std::vector<Piece>();
+  std::string text;
+  Faults otherOrder;  // what is wrong in this byte order may be right in the other
+  return Inflate({index, 0, limit}, text, otherOrder) ? ParseSplitIndex(text, total) : std::vector<Piece>();
 }
 
-void UnpackSplit(InvBody& result, std::string_view body, std::uint64_t start, std::size_t limit, Faults& faults) {
+// False, and a fault, when the piece cannot be had whole.
+bool AppendPiece(const Unpacking& unpacking, const Piece& piece, bool deflated) {
+  const SavedBody& saved = unpacking.saved;
+  std::string& text = unpacking.result.text;
+  const std::string_view bytes = saved.bytes.substr(piece.offset, piece.length);
+  const std::size_t room = saved.limit - text.size();
+  if (deflated) return Inflate({bytes, saved.start + piece.offset, room}, text, unpacking.faults);
+  text += bytes.substr(0, room);
+  if (bytes.size() <= room) return true;
+  AddFault(unpacking.faults, saved.start + piece.offset + bytes.size(), BeyondLimit(saved.limit));
+  return false;
+}
+
+void UnpackSplit(const Unpacking& unpacking) {
+  InvBody& result = unpacking.result;
   const bool deflated = result.form == BodyForm::SplitDeflated;
   result.rootOpen = true;
   std::vector<Piece> pieces;
   for (const bool littleEndian : {false, true}) {
-    pieces = ReadPieces(body, littleEndian, deflated, std::min(limit, kIndexLimit));
-    result.littleEndian = littleEndian;
     if (!pieces.empty()) break;
+    pieces = ReadPieces(unpacking.saved, littleEndian, deflated);
+    result.littleEndian = littleEndian;
   }
   if (pieces.empty()) {
-    AddFault(faults, start + body.size() - kSplitEnd,
+    AddFault(unpacking.faults, unpacking.saved.start + unpacking.saved.bytes.size() - kSplitEndSize,
              "in neither byte order does the length here lead to an index of the split body's pieces");
     return;
   }
-  for (const Piece& piece : pieces) {
-    const std::string_view bytes = body.substr(piece.offset, piece.length);
-    const std::size_t room = limit - result.text.size();
-    Inflated text = deflated ? Inflate(bytes, room) : Inflated{std::string(bytes.substr(0, room)), bytes.size(), ""};
-    if (!deflated && bytes.size() > room) text.trouble = "the text takes more than the " + Bytes(limit) + " allowed";
-    result.text += text.text;
-    if (text.trouble.empty()) continue;
-    AddFault(faults, start + piece.offset + text.used, text.trouble);
-    return;
-  }
+  for (const Piece& piece : pieces)
+    if (!AppendPiece(unpacking, piece, deflated)) return;
   result.whole = true;
 }
 
-void UnpackPlain(InvBody& result, std::string_view body, std::uint64_t start, std::size_t limit, Faults& faults) {
-  const std::size_t size = body.find_last_not_of('\0') + 1;
-  result.whole = size <= limit;
-  result.text = body.substr(0, std::min(size, limit));
-  if (!result.whole) AddFault(faults, start + limit, "the text takes more than the " + Bytes(limit) + " allowed");
-  if (body.size() - size != kPlainPadding)
-    AddFault(
-        faults, start + size,
-        std::to_string(body.size() - size) + " zero bytes follow the text instead of " + std::to_string(kPlainPadding));
+void UnpackPlain(const Unpacking& unpacking) {
+  const SavedBody& saved = unpacking.saved;
+  InvBody& result = unpacking.result;
+  const std::size_t size = saved.bytes.find_last_not_of('\0') + 1;
+  const std::size_t padding = saved.bytes.size() - size;
+  result.whole = size <= saved.limit;
+  result.text = saved.bytes.substr(0, std::min(size, saved.limit));
+  if (!result.whole) AddFault(unpacking.faults, saved.start + saved.limit, BeyondLimit(saved.limit));
+  if (padding == kPlainPadding) return;
+  AddFault(unpacking.faults, saved.start + size,
+           std::to_string(padding) + " zero bytes follow the text instead of " + std::to_string(kPlainPadding));
+}
+
+// One stream, and behind it `end`, which was looked at already.
+void UnpackDeflated(const Unpacking& unpacking, std::string_view end) {
+  std::string_view stream = unpacking.saved.bytes;
+  stream.remove_suffix(end.size());
+  const DeflatedPart part = {stream, unpacking.saved.start, unpacking.saved.limit};
+  unpacking.result.whole = Inflate(part, unpacking.result.text, unpacking.faults);
 }
 
 }  // namespace
 
-InvBody UnpackBody(std::string_view body, std::optional<InvSectionType> type, std::uint64_t start, std::size_t limit,
-                   Faults& faults) {
+InvBody UnpackBody(const SavedBody& saved, Faults& faults) {
   InvBody result;
-  result.form = FormOf(body, type);
+  result.form = FormOf(saved.bytes, saved.type);
+  const Unpacking unpacking = {saved, result, faults};
   switch (result.form) {
     case BodyForm::Unknown:
-      AddFault(faults, start, "the body has none of the saved forms of a tree");
-      return result;
+      AddFault(faults, saved.start, "the body has none of the saved forms of a tree");
+      break;
     case BodyForm::Plain:
-      UnpackPlain(result, body, start, limit, faults);
-      return result;
+      UnpackPlain(unpacking);
+      break;
     case BodyForm::SplitPlain:
     case BodyForm::SplitDeflated:
-      UnpackSplit(result, body, start, limit, faults);
-      return result;
+      UnpackSplit(unpacking);
+      break;
     case BodyForm::Deflated:
-      body.remove_suffix(kDeflatedEnd.size());
+      UnpackDeflated(unpacking, kDeflatedEnd);
       break;
     case BodyForm::Raw:
-      result.whole = body.empty();  // a scan that got no raw data at all
-      if (result.whole) return result;
+      result.whole = saved.bytes.empty();  // a scan that got no raw data at all
+      if (!result.whole) UnpackDeflated(unpacking, "");
       break;
   }
-  Inflated inflated = Inflate(body, limit);
-  result.text = std::move(inflated.text);
-  result.whole = inflated.trouble.empty();
-  if (!result.whole) AddFault(faults, start + inflated.used, inflated.trouble);
   return result;
 }
 

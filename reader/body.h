@@ -7,8 +7,7 @@
 #include <string_view>
 
 #include "reader/fault.h"
-#include "reader/inflate.h"
-#include "zxml/INVfile.h"
+#include "zxml/inv_format.h"
 
 enum class BodyForm { Unknown, Plain, Deflated, SplitPlain, SplitDeflated, Raw };
 
@@ -20,9 +19,16 @@ struct InvBody {
   bool whole = false;         // nothing of the text is missing
 };
 
-// The text of `body`. `start` is where the body lies in the file, for the offsets of the faults.
-InvBody UnpackBody(std::string_view body, std::optional<InvSectionType> type, std::uint64_t start, std::size_t limit,
-                   Faults& faults);
+// A body as it lies in the file.
+struct SavedBody {
+  std::string_view bytes;
+  std::uint64_t start = 0;  // in the file, for the places of faults
+  std::optional<InvSectionType> type;
+  std::size_t limit = 0;  // bytes that its text may take
+};
+
+// The text of the body.
+InvBody UnpackBody(const SavedBody& saved, Faults& faults);
 
 // "zXML", "deflated zXML", "split zXML", ...
 std::string FormName(BodyForm form);

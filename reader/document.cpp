@@ -24,7 +24,7 @@ Section ReadSection(const InvRecord& record, std::string_view bytes, std::size_t
   Section section;
   section.record = record;
   if (!record.inside) return section;
-  section.body = UnpackBody(BodyOf(bytes, record), record.type, record.offset, limit, faults);
+  section.body = UnpackBody({BodyOf(bytes, record), record.offset, record.type, limit}, faults);
   const bool tree = section.body.form != BodyForm::Raw && section.body.form != BodyForm::Unknown;
   const std::string part = "the text of section " + std::to_string(record.number);
   if (tree && section.body.whole) {

@@ -2,17 +2,23 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
+
+#include "reader/fault.h"
 
 // What the bodies of one file may inflate to together, in bytes, unless the caller says otherwise.
 constexpr std::size_t kDefaultLimit = std::size_t{256} << 20;
 
-struct Inflated {
-  std::string text;      // what came out, up to the fault or the limit
-  std::size_t used = 0;  // bytes of the input that the stream takes
-  std::string trouble;   // plain words; empty when the stream is whole and ends with the input
+// One zlib stream that should take all of `bytes`.
+struct DeflatedPart {
+  std::string_view bytes;
+  std::uint64_t start = 0;  // of the bytes in the file, for the places of faults
+  std::size_t limit = 0;    // bytes that it may inflate to
+  const char* what = "";    // what a fault's words begin with, such as "index: "
 };
 
-// Inflates one zlib stream that should take all of `input`; `text` never grows beyond `limit` bytes.
-Inflated Inflate(std::string_view input, std::size_t limit);
+// Appends what the stream inflates to, up to the fault or the limit, to `text`. False, and one fault, unless the stream
+// is whole and ends with its bytes.
+bool Inflate(const DeflatedPart& part, std::string& text, Faults& faults);

@@ -4,24 +4,12 @@
 #include <algorithm>
 #include <utility>
 
+#include "reader/inflate.h"
 #include "reader/text.h"
 
 namespace {
 
-constexpr std::size_t kTrailerSize = 8 + 1 + 1 + 4;  // index offset, format version, index compression, "INV!"
-constexpr unsigned kFormatVersion = 3;
 constexpr char kIndexPart[] = "the index";
-
-constexpr std::pair<const char*, InvSectionType> kTypes[] = {{"assetinfo", InvSectionType::AssetInfo},
-                                                             {"snapshot", InvSectionType::Snapshot},
-                                                             {"customdata", InvSectionType::RawData}};
-
-std::uint64_t GetOffset(std::string_view bytes, bool littleEndian) {
-  std::uint64_t offset = 0;
-  for (std::size_t i = 0; i < 8; ++i)
-    offset = (offset << 8) | static_cast<unsigned char>(bytes[littleEndian ? 7 - i : i]);
-  return offset;
-}
 
 // One "key=value" line of the header (`record` is null) or of a record. False when it is not one that belongs there.
 bool TakeLine(InvContainer& inv, InvRecord* record, std::string_view key, std::string_view value) {
@@ -37,8 +25,8 @@ bool TakeLine(InvContainer& inv, InvRecord* record, std::string_view key, std::s
   }
   if (!record) return false;
   if (key == "type") {
-    for (const auto& [name, type] : kTypes)
-      if (value == name) record->type = type;
+    for (const auto& [type, word] : kInvTypeWords)
+      if (value == word) record->type = type;
     return record->type.has_value();
   }
   const std::pair<const char*, std::string*> texts[] = {
@@ -106,20 +94,19 @@ void ParseIndex(InvContainer& inv) {
 
 // The container as it looks when the trailer's offset is `offset`.
 InvContainer ReadIndex(std::string_view file, InvContainer inv, bool littleEndian, std::size_t limit) {
-  const std::string_view trailer = file.substr(file.size() - kTrailerSize);
+  const std::string_view trailer = file.substr(file.size() - kInvTrailerSize);
   inv.littleEndian = littleEndian;
-  inv.indexOffset = GetOffset(trailer, littleEndian);
-  if (inv.indexOffset > file.size() - kTrailerSize) {
-    AddFault(inv.faults, file.size() - kTrailerSize, "in neither byte order does the index offset lie inside the file");
+  inv.indexOffset = GetNumber(trailer.substr(0, kInvOffsetSize), littleEndian);
+  if (inv.indexOffset > file.size() - kInvTrailerSize) {
+    AddFault(inv.faults, file.size() - kInvTrailerSize,
+             "in neither byte order does the index offset lie inside the file");
     return inv;
   }
   const auto start = static_cast<std::size_t>(inv.indexOffset);
-  const std::string_view index = file.substr(start, file.size() - kTrailerSize - start);
+  const std::string_view index = file.substr(start, file.size() - kInvTrailerSize - start);
   limit = std::min(limit, kIndexLimit);
   if (inv.indexDeflated) {
-    Inflated inflated = Inflate(index, limit);
-    inv.indexText = std::move(inflated.text);
-    if (!inflated.trouble.empty()) AddFault(inv.faults, start + inflated.used, "index: " + inflated.trouble);
+    Inflate({index, start, limit, "index: "}, inv.indexText, inv.faults);
   } else if (index.size() > limit) {
     AddFault(inv.faults, start, "the index takes more than the " + Bytes(limit) + " allowed");
   } else {
@@ -158,17 +145,19 @@ void CheckBodies(InvContainer& inv) {
 
 InvContainer ParseInv(std::string_view file, std::size_t limit) {
   InvContainer inv;
-  if (file.size() < kTrailerSize) {
+  if (file.size() < kInvTrailerSize) {
     AddFault(inv.faults, 0, "the file has " + Bytes(file.size()) + ", fewer than a trailer takes");
     return inv;
   }
-  const std::string_view trailer = file.substr(file.size() - kTrailerSize);
-  if (trailer.substr(10) != "INV!") {
-    AddFault(inv.faults, file.size() - 4, "the file does not end with \"INV!\": it is no INV file, or it was cut");
+  const std::size_t trailerAt = file.size() - kInvTrailerSize;
+  const std::string_view trailer = file.substr(trailerAt);
+  if (trailer.substr(kInvMagicAt) != kInvMagic) {
+    AddFault(inv.faults, trailerAt + kInvMagicAt,
+             "the file does not end with \"INV!\": it is no INV file, or it was cut");
     return inv;
   }
-  inv.version = static_cast<unsigned char>(trailer[8]);
-  inv.indexDeflated = trailer[9] != 0;
+  inv.version = static_cast<unsigned char>(trailer[kInvVersionAt]);
+  inv.indexDeflated = trailer[kInvIndexFlagAt] != 0;
   InvContainer big = ReadIndex(file, inv, false, limit);
   InvContainer little = big.whole ? InvContainer() : ReadIndex(file, inv, true, limit);
   const bool takeLittle = little.whole || (!big.whole && little.indexOffset < big.indexOffset);
@@ -177,10 +166,11 @@ InvContainer ParseInv(std::string_view file, std::size_t limit) {
   CheckBodies(inv);
   if (!inv.whole)
     inv.faults = std::move(indexFaults);  // where bodies lie says nothing when half of the index is missing
-  if (inv.version != kFormatVersion)
-    AddFault(inv.faults, file.size() - 6, "the format version is " + std::to_string(inv.version) + " instead of 3");
-  if (static_cast<unsigned char>(trailer[9]) > 1)
-    AddFault(inv.faults, file.size() - 5, "the index-compression flag is neither 0 nor 1");
+  if (inv.version != kInvVersion)
+    AddFault(inv.faults, trailerAt + kInvVersionAt,
+             "the format version is " + std::to_string(inv.version) + " instead of " + std::to_string(kInvVersion));
+  if (static_cast<unsigned char>(trailer[kInvIndexFlagAt]) > 1)
+    AddFault(inv.faults, trailerAt + kInvIndexFlagAt, "the index-compression flag is neither 0 nor 1");
   return inv;
 }
 
@@ -188,8 +178,4 @@ std::string_view BodyOf(std::string_view file, const InvRecord& record) {
   return file.substr(static_cast<std::size_t>(record.offset), static_cast<std::size_t>(record.length));
 }
 
-std::string TypeName(std::optional<InvSectionType> type) {
-  for (const auto& [name, known] : kTypes)
-    if (type == known) return name;
-  return "unknown";
-}
+std::string TypeName(std::optional<InvSectionType> type) { return type ? InvTypeWord(*type) : "unknown"; }

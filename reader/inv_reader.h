@@ -10,7 +10,7 @@
 
 #include "reader/fault.h"
 #include "reader/inflate.h"
-#include "zxml/INVfile.h"
+#include "zxml/inv_format.h"
 
 // An index may inflate to this many bytes: some 100,000 sections.
 constexpr std::size_t kIndexLimit = std::size_t{8} << 20;

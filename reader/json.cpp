@@ -75,7 +75,10 @@ void WriteSection(JsonWriter& json, const Section& section) {
   for (const auto& root : section.tree.container.children) WriteTag(json, *root, root->name, -1, count);
   JsonClose(json, ']');
   JsonKey(json, "raw");
-  IsRaw(section) ? JsonText(json, section.body.text) : JsonWord(json, "null");
+  if (IsRaw(section))
+    JsonText(json, section.body.text);
+  else
+    JsonWord(json, "null");
 }
 
 void WriteComputer(JsonWriter& json, const Document& document) {

@@ -5,8 +5,6 @@
 
 namespace {
 
-constexpr char kReplacement[] = "\xEF\xBF\xBD";
-
 // Bytes of the valid sequence that `text` begins with, 0 when it begins with none.
 std::size_t SequenceLength(std::string_view text) {
   const auto byte = [text](std::size_t i) { return static_cast<unsigned char>(text[i]); };

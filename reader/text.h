@@ -6,6 +6,9 @@
 #include <string>
 #include <string_view>
 
+// What stands for a byte that cannot be shown: U+FFFD in UTF-8.
+constexpr char kReplacement[] = "\xEF\xBF\xBD";
+
 // `text` in UTF-8: each byte that belongs to no valid sequence, and each zero byte, becomes U+FFFD.
 std::string CleanUtf8(std::string_view text);
 

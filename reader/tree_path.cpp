@@ -29,10 +29,3 @@ std::vector<PathMatch> FindByPath(const Tag& container, std::string_view path) {
   Collect(container, path, matches);
   return matches;
 }
-
-const std::string& AttributeText(const Tag* tag, std::string_view path) {
-  const std::vector<PathMatch> matches = tag ? FindByPath(*tag, path) : std::vector<PathMatch>();
-  for (const PathMatch& match : matches)
-    if (match.attribute) return TextOf(match.attribute);
-  return TextOf(static_cast<const Attribute*>(nullptr));
-}

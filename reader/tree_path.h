@@ -15,6 +15,3 @@ struct PathMatch {
 // Everything below `container` that `path` names, in the tree's order; a "/" at either end of it counts for nothing.
 // Owned by the tree.
 std::vector<PathMatch> FindByPath(const Tag& container, std::string_view path);
-
-// The text of the first attribute of that path below `tag`, empty when there is none.
-const std::string& AttributeText(const Tag* tag, std::string_view path);

@@ -6,9 +6,10 @@
 #include <utility>
 #include <vector>
 
-namespace {
+#include "reader/text.h"
+#include "zxml/inv_format.h"
 
-constexpr std::string_view kHeaderLine = "\xEF\xBB\xBF?zxml";
+namespace {
 
 struct OpenTag {
   Tag* tag;
@@ -34,7 +35,12 @@ void Complain(Reading& reading, std::string words) {
 std::string WithoutZeroBytes(Reading& reading, std::string_view text) {
   std::string result;
   if (text.find('\0') != std::string_view::npos) Complain(reading, "this line holds a zero byte");
-  for (const char c : text) c == '\0' ? result += "\xEF\xBF\xBD" : result += c;
+  for (const char c : text) {
+    if (c == '\0')
+      result += kReplacement;
+    else
+      result += c;
+  }
   return result;
 }
 
@@ -125,7 +131,10 @@ bool TakeLine(Reading& reading, std::string_view line) {
   const char first = line.empty() ? '\0' : line.front();
   if (first == '+') return TakeTag(reading, TagKind::Parent, line.substr(1));
   if (first == '*') return TakeTag(reading, TagKind::Leaf, line.substr(1));
-  first == '~' ? TakeProperty(reading, line.substr(1)) : TakeAttribute(reading, line);
+  if (first == '~')
+    TakeProperty(reading, line.substr(1));
+  else
+    TakeAttribute(reading, line);
   return true;
 }
 
@@ -149,7 +158,7 @@ TagTree ParseZxml(std::string_view text, bool rootOpen, const std::string& part,
   while (going && reading.at < text.size()) {
     const std::size_t end = std::min(text.find('\n', reading.at), text.size());
     const std::string_view line = text.substr(reading.at, end - reading.at);
-    if (reading.at != 0 || line != kHeaderLine) {
+    if (reading.at != 0 || line != kZxmlHeaderLine) {
       if (reading.at == 0) Complain(reading, "the text does not begin with the byte-order mark and \"?zxml\"");
       going = TakeLine(reading, line);
     }

@@ -9,9 +9,6 @@
 
 namespace {
 
-constexpr char kFormatVersion = 3;
-constexpr std::size_t kTrailerSize = 8 + 1 + 1 + 4;  // index offset, format version, index compression, "INV!"
-
 void AddSection(InvFile& inv, InvSection section) {
   section.length = static_cast<std::uint32_t>(section.buffer.size());
   inv.sections.push_back(std::move(section));
@@ -30,19 +27,19 @@ std::string IndexHeader(const InvFile& inv) {
 
 std::string IndexRecord(const InvSection& section, std::size_t number) {
   std::string record = "[" + std::to_string(number) + "]\noffset=" + std::to_string(section.offset) +
-                       "\nlength=" + std::to_string(section.length) + "\n";
+                       "\nlength=" + std::to_string(section.length) + "\ntype=" + InvTypeWord(section.type) + "\n";
   switch (section.type) {
     case InvSectionType::AssetInfo:
-      return record + "type=assetinfo\n";
+      return record;
     case InvSectionType::Snapshot: {
       const Tag* root = RootTag(section);
       const Attribute* timestamp = root ? FindAttribute(*root, "timestamp") : nullptr;
-      return record + "type=snapshot\ntimestamp=" + TextOf(timestamp) + "\nsnaptype=mac:1\n";
+      return record + "timestamp=" + TextOf(timestamp) + "\nsnaptype=mac:1\n";
     }
     case InvSectionType::RawData:
       break;
   }
-  return record + "type=customdata\nID=rawdata\n";
+  return record + "ID=rawdata\n";
 }
 
 // The text of the index, every section's offset set on the way.
@@ -55,13 +52,6 @@ std::string IndexText(InvFile& inv) {
     text += IndexRecord(inv.sections[i], i);
   }
   return text;
-}
-
-void PutOffset(std::string& buffer, std::uint64_t offset, bool littleEndian) {
-  for (int i = 0; i < 8; ++i) {
-    const int shift = 8 * (littleEndian ? i : 7 - i);
-    buffer.push_back(static_cast<char>((offset >> shift) & 0xFF));
-  }
 }
 
 // Removes a file that could not be written whole; leaves devices and pipes alone.
@@ -122,13 +112,13 @@ std::string BuildInvBuffer(InvFile& inv, bool compressIndex) {
   for (const InvSection& section : inv.sections) bodies += section.buffer.size();
 
   std::string buffer;
-  buffer.reserve(bodies + index.size() + kTrailerSize);
+  buffer.reserve(bodies + index.size() + kInvTrailerSize);
   for (const InvSection& section : inv.sections) buffer += section.buffer;
   buffer += index;
-  PutOffset(buffer, bodies, inv.littleEndian);
-  buffer.push_back(kFormatVersion);
+  PutNumber(buffer, bodies, kInvOffsetSize, inv.littleEndian);
+  buffer.push_back(kInvVersion);
   buffer.push_back(compressIndex ? 1 : 0);
-  buffer += "INV!";
+  buffer += kInvMagic;
   return buffer;
 }
 

@@ -7,9 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "zxml/inv_format.h"
 #include "zxml/tag.h"
-
-enum class InvSectionType : std::uint32_t { AssetInfo = 0, Snapshot = 1, RawData = 2 };
 
 struct InvSection {
   InvSectionType type = InvSectionType::AssetInfo;

@@ -9,13 +9,11 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "zxml/inv_format.h"
+
 namespace {
 
-constexpr char kHeader[] = "\xEF\xBB\xBF?zxml\n";
-constexpr std::size_t kHeaderSize = sizeof kHeader - 1;
 constexpr std::size_t kSlice = 16384;
-constexpr std::size_t kPlainPadding =
-    102;  // deliberate: the plain form in one piece is followed by this many zero bytes
 
 // Text of an Int or Double; "%.2lf" of the largest double takes 313 bytes.
 struct NumberText {
@@ -108,7 +106,7 @@ char* PutTagHead(char* at, const Tag& tag) {
 // TextSize counts only the first child of a container; this is what WriteText needs at most.
 std::size_t RoomFor(const Tag& tag) {
   if (tag.kind != TagKind::Container) return TextSize(tag, false);
-  std::size_t size = kHeaderSize;
+  std::size_t size = kZxmlHeader.size();
   for (const auto& child : tag.children) size += TextSize(*child, false);
   return size;
 }
@@ -144,13 +142,6 @@ int DeflateSlice(z_stream& stream, std::string_view slice, int flush, std::strin
   return answer;
 }
 
-void PutLength(std::string& buffer, std::size_t length, bool littleEndian) {
-  for (int i = 0; i < 4; ++i) {
-    const int shift = 8 * (littleEndian ? i : 3 - i);
-    buffer.push_back(static_cast<char>((static_cast<std::uint32_t>(length) >> shift) & 0xFF));
-  }
-}
-
 void AddPiece(TagTree& tree, const std::string& name, std::string piece) {
   SaveIndexEntry entry;
   if (!tree.saveIndex.empty()) entry.offset = tree.saveIndex.back().offset + tree.saveIndex.back().length;
@@ -177,9 +168,8 @@ std::string SaveSplit(TagTree& tree, bool compress) {
   }
   const std::size_t pieces = result.size();
   result += pack(std::move(index));
-  PutLength(result, pieces, tree.saveFlag);
-  result.push_back(1);
-  result.push_back(compress ? 1 : 0);
+  PutNumber(result, pieces, kSplitLengthSize, tree.saveFlag);
+  result += compress ? kSplitDeflatedEnd : kSplitPlainEnd;
   tree.saveIndex.clear();
   return result;
 }
@@ -188,7 +178,7 @@ std::string SaveSplit(TagTree& tree, bool compress) {
 
 std::size_t TextSize(const Tag& tag, bool headerOnly) {
   if (tag.kind == TagKind::Container)
-    return kHeaderSize + (tag.children.empty() ? 0 : TextSize(*tag.children.front(), headerOnly));
+    return kZxmlHeader.size() + (tag.children.empty() ? 0 : TextSize(*tag.children.front(), headerOnly));
   std::size_t size = tag.name.size() + 3 + (tag.value ? ValueSize(*tag.value) : 0);
   for (const auto& attribute : tag.attributes)
     size += attribute->name.size() + ValueSize(attribute->value) + 2 + PropertiesSize(attribute->properties);
@@ -202,7 +192,7 @@ std::size_t WriteText(const Tag& tag, char* buffer, std::size_t offset, bool noC
   char* const start = buffer + offset;
   char* at = start;
   const bool container = tag.kind == TagKind::Container;
-  at = container ? Put(at, {kHeader, kHeaderSize}) : PutTagHead(at, tag);
+  at = container ? Put(at, kZxmlHeader) : PutTagHead(at, tag);
   if (!container && headerOnly) return static_cast<std::size_t>(at - start);
   for (const auto& child : tag.children) at += WriteText(*child, at, 0, container && noClose, container && headerOnly);
   if (tag.kind == TagKind::Parent && !noClose) at = Put(at, "-\n");
@@ -231,7 +221,7 @@ std::string SaveTree(TagTree& tree, bool split, bool compress) {
     return text;
   }
   std::string result = CompressBuffer(text).value_or(std::string());
-  result += std::string_view("\0\1ZXML", 6);
+  result += kDeflatedEnd;
   return result;
 }
 
