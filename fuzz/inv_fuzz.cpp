@@ -12,8 +12,9 @@ constexpr std::size_t kLimit = 1 << 20;
 void CheckFile(std::string_view bytes) {
   const Document document = ReadDocument("file", bytes, kLimit);
   for (const Section& section : document.sections) Require(section.body.text.size() <= kLimit);
+  std::string_view text;
   std::string trouble;
-  ExtractText(document, DefaultSection(document), trouble);
+  ExtractText(document, DefaultSection(document), text, trouble);
   CheckDocument(document);
   CsvRow(document, DefaultColumns());
   ShowText(document, {});

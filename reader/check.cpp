@@ -1,5 +1,7 @@
 // Compares what the index says of the sections with what the sections hold.
 #include <algorithm>
+#include <cstdint>
+#include <string>
 
 #include "reader/commands.h"
 #include "reader/run.h"

@@ -2,8 +2,9 @@
 // headers of their own.
 #pragma once
 
-#include <optional>
+#include <cstddef>
 #include <string>
+#include <string_view>
 
 #include "reader/command.h"
 #include "reader/document.h"
@@ -31,11 +32,12 @@ std::string DiffText(const Document& before, const Document& after, bool all);
 
 // extract: the section that is taken when none is asked for, the raw data if there is some, otherwise the first.
 std::size_t DefaultSection(const Document& document);
-// The text of a section. No text, and plain words in `trouble`, when there is no such section or it is not whole.
-std::optional<std::string> ExtractText(const Document& document, std::size_t section, std::string& trouble);
-// Writes `text` into the file at `path`, "" or "-" for standard output. False, and plain words, when that fails; an INV
-// file is never written over.
-bool WriteExtract(const std::string& text, const std::string& path, std::string& trouble);
+// The text of a section, owned by the document. False, and plain words in `trouble`, when there is no such section or
+// it is not whole.
+bool ExtractText(const Document& document, std::size_t section, std::string_view& text, std::string& trouble);
+// Writes `text` into the file at `path`, "" or "-" for standard output. False, and plain words in `trouble`, when that
+// fails; an INV file is never written over.
+bool WriteExtract(std::string_view text, const std::string& path, std::string& trouble);
 
 // check: the faults that reading found, and what container and trees say against each other. Empty for a sound file.
 Faults CheckDocument(const Document& document);

@@ -2,8 +2,11 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <cstddef>
 #include <cstdio>
 #include <cstring>
+#include <string>
+#include <string_view>
 
 #include "reader/commands.h"
 #include "reader/run.h"
@@ -15,11 +18,25 @@ bool IsInvFile(const std::string& path) {
   struct stat status;
   if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
   std::FILE* file = std::fopen(path.c_str(), "rb");
-  if (!file) return false;
-  char end[4] = {};
-  const bool read = std::fseek(file, -4, SEEK_END) == 0 && std::fread(end, 1, sizeof end, file) == sizeof end;
+  if (file == nullptr) return false;
+  char end[kInvMagic.size()] = {};
+  const bool read = std::fseek(file, -static_cast<long>(sizeof end), SEEK_END) == 0 &&
+                    std::fread(end, 1, sizeof end, file) == sizeof end;
   std::fclose(file);
-  return read && std::memcmp(end, "INV!", sizeof end) == 0;
+  return read && std::string_view(end, sizeof end) == kInvMagic;
+}
+
+// True when all of `text` has reached the file.
+bool PutText(std::FILE* file, std::string_view text) {
+  const bool written = std::fwrite(text.data(), 1, text.size(), file) == text.size();
+  return std::fflush(file) == 0 && written;
+}
+
+bool PutIntoFile(const std::string& path, std::string_view text) {
+  std::FILE* file = std::fopen(path.c_str(), "wb");
+  if (file == nullptr) return false;
+  const bool written = PutText(file, text);
+  return std::fclose(file) == 0 && written;
 }
 
 }  // namespace
@@ -30,39 +47,39 @@ std::size_t DefaultSection(const Document& document) {
   return 0;
 }
 
-std::optional<std::string> ExtractText(const Document& document, std::size_t section, std::string& trouble) {
+bool ExtractText(const Document& document, std::size_t section, std::string_view& text, std::string& trouble) {
   if (section >= document.sections.size()) {
     trouble = "there is no section " + std::to_string(section);
-    return std::nullopt;
+    return false;
   }
   const Section& found = document.sections[section];
   if (!found.record.inside || !found.body.whole) {
     trouble = "section " + std::to_string(section) + " is damaged; nothing was extracted";
-    return std::nullopt;
+    return false;
   }
-  return found.body.text;
+  text = found.body.text;
+  return true;
 }
 
-bool WriteExtract(const std::string& text, const std::string& path, std::string& trouble) {
+bool WriteExtract(std::string_view text, const std::string& path, std::string& trouble) {
   const bool standard = path.empty() || path == "-";
-  trouble = "this is an INV file; it is not written over";
-  if (!standard && IsInvFile(path)) return false;
+  if (!standard && IsInvFile(path)) {
+    trouble = "this is an INV file; it is not written over";
+    return false;
+  }
   errno = 0;
-  std::FILE* file = standard ? stdout : std::fopen(path.c_str(), "wb");
-  bool whole = file && std::fwrite(text.data(), 1, text.size(), file) == text.size();
-  whole = file && std::fflush(file) == 0 && whole;
-  if (file && !standard) whole = std::fclose(file) == 0 && whole;
-  trouble = whole ? "" : std::strerror(errno ? errno : EIO);
-  return whole;
+  if (standard ? PutText(stdout, text) : PutIntoFile(path, text)) return true;
+  trouble = std::strerror(errno != 0 ? errno : EIO);
+  return false;
 }
 
 namespace {
 
 int RunExtract(const Arguments& arguments) {
   return ForEachFile(arguments, [&arguments](const Document& document, std::string&, std::string& trouble) {
-    const auto text = ExtractText(document, arguments.section.value_or(DefaultSection(document)), trouble);
-    if (!text) return false;
-    if (WriteExtract(*text, arguments.output, trouble)) return true;
+    std::string_view text;
+    if (!ExtractText(document, arguments.section.value_or(DefaultSection(document)), text, trouble)) return false;
+    if (WriteExtract(text, arguments.output, trouble)) return true;
     trouble = arguments.output + ": " + trouble;
     return false;
   });

@@ -1,6 +1,7 @@
 // Lays a file out as flat lists of equal records, so that a database can load a whole fleet without guessing: each tag
 // of a tree is one record that names its parent by position.
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "reader/commands.h"

@@ -1,6 +1,8 @@
 // Turns the records of the index, and what could be read of the bodies, into aligned lines.
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <string>
 #include <vector>
 
 #include "reader/commands.h"
@@ -9,7 +11,8 @@
 
 namespace {
 
-using Row = std::array<std::string, 6>;
+constexpr std::size_t kColumns = 6;
+using Row = std::array<std::string, kColumns>;
 
 std::size_t CountTags(const Tag& tag) {
   std::size_t count = 1;
@@ -33,7 +36,7 @@ Row MakeRow(const Section& section) {
           std::to_string(record.length), Printable(record.timestamp), Holds(section)};
 }
 
-std::string Line(const Row& row, const std::array<std::size_t, 6>& widths) {
+std::string Line(const Row& row, const std::array<std::size_t, kColumns>& widths) {
   constexpr bool kRight[] = {true, false, true, true, false, false};
   std::string line;
   for (std::size_t i = 0; i < row.size(); ++i)
@@ -51,7 +54,7 @@ std::string ListText(const Document& document) {
                      (inv.littleEndian ? ", little-endian\n" : ", big-endian\n");
   std::vector<Row> rows = {{"#", "type", "offset", "length", "timestamp", "holds"}};
   for (const Section& section : document.sections) rows.push_back(MakeRow(section));
-  std::array<std::size_t, 6> widths = {};
+  std::array<std::size_t, kColumns> widths = {};
   for (const Row& row : rows)
     for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], Width(row[i]));
   if (rows.size() == 1) return text;

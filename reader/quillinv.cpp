@@ -1,9 +1,12 @@
 // quillinv: reads INV files for people and programs. This file makes the command line's parser from the rows of the
 // commands, runs the one that was asked for, and answers with the exit status.
 #include <CLI/CLI.hpp>
+#include <cstddef>
 #include <cstdio>
 #include <exception>
+#include <optional>
 #include <string>
+#include <variant>
 
 #include "reader/command.h"
 #include "reader/run.h"

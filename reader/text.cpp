@@ -5,23 +5,34 @@
 
 namespace {
 
+// What may follow a lead byte: some have a narrower range for the next one, which would else be overlong, a surrogate
+// or too large.
+struct Lead {
+  unsigned char first, last;
+  std::size_t length;  // of the sequence
+  unsigned char lowest, highest;
+};
+
+constexpr Lead kLeads[] = {{0x00, 0x7F, 1, 0, 0},       {0xC2, 0xDF, 2, 0x80, 0xBF}, {0xE0, 0xE0, 3, 0xA0, 0xBF},
+                           {0xE1, 0xEC, 3, 0x80, 0xBF}, {0xED, 0xED, 3, 0x80, 0x9F}, {0xEE, 0xEF, 3, 0x80, 0xBF},
+                           {0xF0, 0xF0, 4, 0x90, 0xBF}, {0xF1, 0xF3, 4, 0x80, 0xBF}, {0xF4, 0xF4, 4, 0x80, 0x8F}};
+
+bool Continues(std::string_view text, const Lead& lead) {
+  if (text.size() < lead.length) return false;
+  for (std::size_t i = 1; i < lead.length; ++i) {
+    const auto byte = static_cast<unsigned char>(text[i]);
+    const bool second = i == 1;
+    if (byte < (second ? lead.lowest : 0x80) || byte > (second ? lead.highest : 0xBF)) return false;
+  }
+  return true;
+}
+
 // Bytes of the valid sequence that `text` begins with, 0 when it begins with none.
 std::size_t SequenceLength(std::string_view text) {
-  const auto byte = [text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-  const unsigned lead = byte(0);
-  if (lead < 0x80) return 1;
-  const std::size_t length = lead >= 0xC2 && lead <= 0xDF   ? 2
-                             : (lead & 0xF0) == 0xE0        ? 3
-                             : lead >= 0xF0 && lead <= 0xF4 ? 4
-                                                            : 0;
-  if (length == 0 || text.size() < length) return 0;
-  // The first continuation byte of some leads has a narrower range: it would be overlong, a surrogate or too large.
-  const unsigned low = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
-  const unsigned high = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
-  if (byte(1) < low || byte(1) > high) return 0;
-  for (std::size_t i = 2; i < length; ++i)
-    if ((byte(i) & 0xC0) != 0x80) return 0;
-  return length;
+  const auto byte = static_cast<unsigned char>(text[0]);
+  for (const Lead& lead : kLeads)
+    if (byte >= lead.first && byte <= lead.last) return Continues(text, lead) ? lead.length : 0;
+  return 0;
 }
 
 bool IsControl(std::string_view sequence) {

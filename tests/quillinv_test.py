@@ -103,6 +103,9 @@ class Quillinv(unittest.TestCase):
             self.assertEqual([row["serial-number"] for row in rows], ["W8,0\rx\ufffd", ""])
             self.assertEqual((rows[0]["os-name"], rows[0]["last-scan"]), ('OS "X"', ""))
         self.assertEqual(rows[0]["Snapshot/OS/os:1/name"], 'a\rb \ufffd"c"')
+        name = write("line\nfeed", scan())
+        rows = csv.reader(io.StringIO(run("csv", "--columns", "file,hostname", name)[0].decode(), newline=""))
+        self.assertEqual(list(rows), [["file", "hostname"], [name, "MAC"]])
 
     def test_diff_answers_like_diff(self):
         self.assertEqual(run("diff", self.a, self.b)[0], b"")
@@ -126,6 +129,10 @@ class Quillinv(unittest.TestCase):
             self.assertEqual(file.read(), HEAD + b"*AssetInfo=\nint-name=Ann's \\ Mac\n")
         for target in (self.debug, self.a):
             self.assertIn("is not written over", run("extract", self.debug, "-o", target, status=2)[1])
+        for target in ("/dev/full", "none/out"):
+            self.assertIn(f"{target}: No s", run("extract", self.debug, "-o", target, status=2)[1])
+        with open("/dev/full", "wb") as full:
+            self.assertEqual(subprocess.run([QUILLINV, "extract", self.debug], stdout=full, stderr=-1).returncode, 2)
         self.assertIn("no section 2", run("extract", self.debug, "--section", "2", status=2)[1])
 
     def test_from_debug_makes_a_recording(self):

@@ -66,10 +66,13 @@ std::string Replaced(std::string text, const std::string& from, const std::strin
   return at == std::string::npos ? text : text.replace(at, from.size(), to);
 }
 
+// Those lines as the body of a section.
+std::string SavedText(const std::string& lines) { return "\xEF\xBB\xBF?zxml\n" + lines + std::string(102, '\0'); }
+
 // A document that holds that text as its snapshot.
 Document DocumentOf(const std::string& lines) {
   InvFile inv = InitInvFile(false);
-  AddSavedSection(inv, "\xEF\xBB\xBF?zxml\n" + lines + std::string(102, '\0'), InvSectionType::Snapshot);
+  AddSavedSection(inv, SavedText(lines), InvSectionType::Snapshot);
   return ReadDocument("f", BuildInvBuffer(inv, true));
 }
 
@@ -161,6 +164,56 @@ TEST(Reader, StopsADeflateBombAtTheLimit) {
     const Document document = ReadDocument("f", BuildInvBuffer(inv, true), limit);
     EXPECT_EQ(document.sections[0].body.text.size(), limit);
     EXPECT_EQ(document.faults.empty(), limit == 5000000);
+  }
+}
+
+TEST(Reader, SharesItsLimitsAmongTheSections) {
+  constexpr std::size_t kLines = 1000000;
+  constexpr std::size_t kPaths = std::size_t{64} << 20;
+  const auto properties = [](std::size_t count) {
+    std::string lines = "*A=\n";
+    while (--count > 0) lines += "~=\n";
+    return lines;
+  };
+  const std::string name(1 << 20, 'n');
+  const auto paths = [&name](std::size_t children) {
+    std::string lines = "+" + name + "=\n";
+    while (children-- > 0) lines += "*b=\n";
+    return lines + "-\n";
+  };
+  const std::size_t children = kPaths / (name.size() + 2) - 1;
+  const struct {
+    std::vector<std::string> trees;
+    std::vector<std::string> raw;
+    const char* fault;
+    std::size_t limit = kDefaultLimit;
+  } cases[] = {{{}, {std::string(3000, 'x'), std::string(2000, 'y')}, "", 5000},
+               {{}, {std::string(3000, 'x'), std::string(2000, 'y')}, "more than the 1999 bytes allowed", 4999},
+               {{properties(kLines - 10), properties(10)}, {}, ""},
+               {{properties(kLines - 10), properties(11)}, {}, "section 1: the file has too many lines"},
+               {{paths(10), paths(children - 11)}, {}, ""},
+               {{paths(10), paths(children - 10)}, {}, "section 1: the names of the tags are too long"}};
+  for (const auto& [trees, raw, words, limit] : cases) {
+    InvFile inv = InitInvFile(true);
+    for (const std::string& lines : trees) AddSavedSection(inv, SavedText(lines), InvSectionType::AssetInfo);
+    for (const std::string& text : raw) AddRawSection(inv, InvCompress(text));
+    const std::string faults = FaultLines(ReadDocument("f", BuildInvBuffer(inv, true), limit).faults);
+    EXPECT_EQ(faults.empty(), *words == '\0') << faults;
+    EXPECT_NE(faults.find(words), std::string::npos) << faults;
+  }
+}
+
+TEST(Reader, LimitsTheIndex) {
+  InvFile empty = InitInvFile(true);
+  const std::string index = WriteIndex(empty, false) + std::string(8 << 20, '\n');
+  for (const bool deflated : {false, true}) {
+    const std::string text = deflated ? InvCompress(index) : index;
+    std::string file = text + BuildInvBuffer(empty, deflated);
+    file.erase(text.size(),
+               file.size() - text.size() - 14);  // the index of the empty file; what remains is its trailer
+    const char* words = deflated ? "index: the deflated data gives more than the 8388608 bytes allowed"
+                                 : "the index takes more than the 8388608 bytes allowed";
+    EXPECT_NE(CheckFile(file).find(words), std::string::npos) << CheckFile(file);
   }
 }
 
