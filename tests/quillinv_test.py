@@ -131,8 +131,9 @@ class Quillinv(unittest.TestCase):
             self.assertIn("is not written over", run("extract", self.debug, "-o", target, status=2)[1])
         for target in ("/dev/full", "none/out"):
             self.assertIn(f"{target}: No s", run("extract", self.debug, "-o", target, status=2)[1])
-        with open("/dev/full", "wb") as full:
-            self.assertEqual(subprocess.run([QUILLINV, "extract", self.debug], stdout=full, stderr=-1).returncode, 2)
+        for command in ("extract", "list"):
+            with open("/dev/full", "wb") as full:
+                self.assertEqual(subprocess.run([QUILLINV, command, self.debug], stdout=full, stderr=-1).returncode, 2)
         self.assertIn("no section 2", run("extract", self.debug, "--section", "2", status=2)[1])
 
     def test_from_debug_makes_a_recording(self):
