@@ -9,7 +9,7 @@ namespace {
 // or too large.
 struct Lead {
   unsigned char first, last;
-  std::size_t length;  // of the sequence
+  unsigned char length;  // of the sequence
   unsigned char lowest, highest;
 };
 
