@@ -4,6 +4,7 @@
 #include "reader/commands.h"
 #include "reader/csv.h"
 #include "reader/show.h"
+#include "zxml/INVfile.h"
 
 namespace {
 
