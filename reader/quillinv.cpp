@@ -28,21 +28,17 @@ std::string ChoicesText(Choices choices) {
   return text;
 }
 
-struct AddOption {
-  CLI::App& app;
-  Arguments& arguments;
-  const Option& option;
-  std::string description;
-
-  void operator()(bool Arguments::*field) const { app.add_flag(option.names, arguments.*field, description); }
-  void operator()(std::string Arguments::*field) const { app.add_option(option.names, arguments.*field, description); }
-  void operator()(std::optional<std::size_t> Arguments::*field) const {
-    app.add_option(option.names, arguments.*field, description);
-  }
-  void operator()(std::size_t Arguments::*field) const {
-    app.add_option(option.names, arguments.*field, description)->transform(CLI::AsSizeValue(false));
-  }
-};
+void AddOption(CLI::App& app, const Option& option, Arguments& arguments) {
+  const std::string description = option.description + ChoicesText(option.choices);
+  if (const auto* flag = std::get_if<bool Arguments::*>(&option.field))
+    app.add_flag(option.names, arguments.**flag, description);
+  if (const auto* text = std::get_if<std::string Arguments::*>(&option.field))
+    app.add_option(option.names, arguments.**text, description);
+  if (const auto* number = std::get_if<std::optional<std::size_t> Arguments::*>(&option.field))
+    app.add_option(option.names, arguments.**number, description);
+  if (const auto* size = std::get_if<std::size_t Arguments::*>(&option.field))
+    app.add_option(option.names, arguments.**size, description)->transform(CLI::AsSizeValue(false));
+}
 
 void AddWord(CLI::App& app, const Command& command, Arguments& arguments) {
   const Word& word = command.word;
@@ -63,11 +59,8 @@ void AddCommand(CLI::App& app, const Command& command, Arguments& arguments) {
   if (command.word.place == Word::Place::BeforeFiles) AddWord(app, command, arguments);
   AddFiles(app, command, arguments);
   if (command.word.place == Word::Place::AfterFiles) AddWord(app, command, arguments);
-  for (const auto* options : {&command.options, &CommonOptions()}) {
-    for (const Option& option : *options) {
-      std::visit(AddOption{app, arguments, option, option.description + ChoicesText(option.choices)}, option.field);
-    }
-  }
+  for (const Option& option : command.options) AddOption(app, option, arguments);
+  for (const Option& option : CommonOptions()) AddOption(app, option, arguments);
 }
 
 int Run(int argc, char** argv) {
