@@ -4,9 +4,10 @@
 #include <string>
 
 #include "main/scan_settings.h"
+#include "zxml/version.h"
 
-constexpr char kAgentVersion[] = "15.11.18";
-constexpr char kClientVersion[] = "15.11.18.0";
+constexpr const char* kAgentVersion = kBuildVersion;
+constexpr const char* kClientVersion = kBuildVersionOfFour;
 
 struct Options {
   ScanSettings settings;

@@ -20,9 +20,14 @@ struct Arguments {
   std::vector<std::string> files;
   std::string word;  // the command's own, as its row says; empty when it was not given
   std::size_t limit = kDefaultLimit;
+  std::string filesFrom;
+  bool latest = false;
+  bool noHeader = false;
   bool all = false;
+  bool json = false;
   bool lines = false;
   bool raw = false;
+  bool safeCsv = false;
   std::string columns;
   std::string output;
   std::optional<std::size_t> section;

@@ -18,8 +18,8 @@ extern const Command kDiffCommand;
 extern const Command kExtractCommand;
 extern const Command kCheckCommand;
 
-// list: the index as a table.
-std::string ListText(const Document& document);
+// list: the index as a table, below a row that names its columns.
+std::string ListText(const Document& document, bool header = true);
 
 // json: one document, on one line or indented; ends with a line feed. docs/json.md describes its shape, which stays as
 // it is. Bytes that are not UTF-8 become U+FFFD.

@@ -1,6 +1,8 @@
 // Picks attributes of the AssetInfo tree, its control block and the snapshot's head, and quotes them as fields.
 #include "reader/csv.h"
 
+#include <algorithm>
+
 #include "reader/commands.h"
 #include "reader/run.h"
 #include "reader/text.h"
@@ -11,6 +13,8 @@ namespace {
 constexpr char kAsset[] = "AssetInfo/";
 constexpr char kControl[] = "AssetInfo/control/";
 constexpr char kSnapshot[] = "Snapshot/";
+
+constexpr std::string_view kFormulaStarts = "=+-@\t\r";
 
 struct NamedColumn {
   const char* name;
@@ -85,21 +89,23 @@ bool FindColumn(const std::string& name, Column& column) {
   return false;
 }
 
-std::string Field(std::string_view text) {
+// What a spreadsheet takes for a formula gets an apostrophe in front when it has to be `safe`.
+std::string Field(std::string_view text, bool safe) {
   std::string clean = CleanUtf8(text);
+  if (safe && !clean.empty() && kFormulaStarts.find(clean.front()) != std::string_view::npos) clean.insert(0, 1, '\'');
   if (clean.find_first_of(",\"\r\n") == std::string::npos) return clean;
   std::string field = "\"";
   for (const char c : clean) field += c == '"' ? std::string("\"\"") : std::string(1, c);
   return field + "\"";
 }
 
-std::string Row(const std::vector<std::string>& texts) {
+}  // namespace
+
+std::string CsvLine(const std::vector<std::string>& texts, bool safe) {
   std::string row;
-  for (const std::string& text : texts) row += (&text == &texts.front() ? "" : ",") + Field(text);
+  for (const std::string& text : texts) row += (&text == &texts.front() ? "" : ",") + Field(text, safe);
   return row + "\r\n";
 }
-
-}  // namespace
 
 std::vector<Column> DefaultColumns() {
   std::vector<Column> columns;
@@ -136,42 +142,59 @@ std::string ColumnText(const Document& document, const Column& column) {
   return "";
 }
 
-std::string CsvHeader(const std::vector<Column>& columns) {
+std::string CsvHeader(const std::vector<Column>& columns, bool safe) {
   std::vector<std::string> texts;
   for (const Column& column : columns) texts.push_back(column.name);
-  return Row(texts);
+  return CsvLine(texts, safe);
 }
 
-std::string CsvRow(const Document& document, const std::vector<Column>& columns) {
+std::string CsvRow(const Document& document, const std::vector<Column>& columns, bool safe) {
   std::vector<std::string> texts;
   for (const Column& column : columns) texts.push_back(ColumnText(document, column));
-  return Row(texts);
+  return CsvLine(texts, safe);
 }
 
 namespace {
+
+// Takes the columns out of `missing` that name something in the document.
+void RemoveFound(const Document& document, std::vector<Column>& missing) {
+  const auto isFound = [&document](const Column& column) {
+    const auto& sections = document.sections;
+    return std::any_of(sections.begin(), sections.end(), [&column](const Section& section) {
+      return !FindByPath(section.tree.container, column.path).empty();
+    });
+  };
+  missing.erase(std::remove_if(missing.begin(), missing.end(), isFound), missing.end());
+}
 
 int RunCsv(const Arguments& arguments) {
   std::vector<Column> columns = DefaultColumns();
   std::string trouble;
   if (!arguments.columns.empty() && !ParseColumns(arguments.columns, columns, trouble)) {
-    Complain(arguments.columns, trouble);
+    Complain("csv", trouble);
     return kTrouble;
   }
-  Write(CsvHeader(columns));
-  return ForEachFile(arguments, [&columns](const Document& document, std::string& out, std::string&) {
-    out = CsvRow(document, columns);
+  std::vector<Column> missing;  // columns chosen by their path that no file has held so far
+  for (const Column& column : columns)
+    if (column.name.find('/') != std::string::npos) missing.push_back(column);
+  if (!arguments.noHeader) WriteData(CsvHeader(columns, arguments.safeCsv));
+  const int status = ForEachFile(arguments, [&](const Document& document, std::string& out, std::string&) {
+    out = CsvRow(document, columns, arguments.safeCsv);
+    RemoveFound(document, missing);
     return true;
   });
+  for (const Column& column : missing) Complain("csv", "none of the files holds anything at " + Printable(column.name));
+  return missing.empty() ? status : kTrouble;
 }
 
 }  // namespace
 
-const Command kCsvCommand = {
-    "csv",
-    RunCsv,
-    0,
-    "Write one row for each computer, with a header row (RFC 4180).",
-    "Examples:\n  quillinv csv *.inv > fleet.csv\n"
-    "  quillinv csv --columns hostname,serial-number,Snapshot/OS/os:1/kernel *.inv",
-    {{"--columns", &Arguments::columns, "Names joined by commas; a name with a \"/\" is the path of any attribute",
-      ColumnNames}}};
+const Command kCsvCommand = {"csv",
+                             RunCsv,
+                             0,
+                             "Write one row for each computer, with a header row (RFC 4180).",
+                             "Examples:\n  quillinv csv *.inv > fleet.csv\n"
+                             "  quillinv csv --columns hostname,serial-number,Snapshot/OS/os:1/kernel *.inv",
+                             {{"--columns", &Arguments::columns,
+                               "Names joined by commas; a name with a \"/\" is the path of any attribute", ColumnNames},
+                              {"--safe-csv", &Arguments::safeCsv, kSafeCsvHelp}}};

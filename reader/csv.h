@@ -24,6 +24,12 @@ bool ParseColumns(std::string_view list, std::vector<Column>& columns, std::stri
 // What the file holds for that column, as it stands there; empty when it holds nothing.
 std::string ColumnText(const Document& document, const Column& column);
 
-// One row by RFC 4180, in UTF-8, with its CR LF.
-std::string CsvHeader(const std::vector<Column>& columns);
-std::string CsvRow(const Document& document, const std::vector<Column>& columns);
+// What --safe-csv does, for the help.
+constexpr char kSafeCsvHelp[] =
+    "Put an apostrophe in front of a field that begins with =, +, -, @, a tab\n"
+    "or a carriage return, which a spreadsheet would take for a formula";
+
+// One row by RFC 4180, in UTF-8, with its CR LF; `safe` as kSafeCsvHelp says.
+std::string CsvLine(const std::vector<std::string>& texts, bool safe = false);
+std::string CsvHeader(const std::vector<Column>& columns, bool safe = false);
+std::string CsvRow(const Document& document, const std::vector<Column>& columns, bool safe = false);

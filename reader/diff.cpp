@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "reader/commands.h"
+#include "reader/files.h"
 #include "reader/run.h"
 #include "reader/show.h"
 #include "reader/text.h"
@@ -180,9 +181,15 @@ std::string DiffText(const Document& before, const Document& after, bool all) {
 namespace {
 
 int RunDiff(const Arguments& arguments) {
+  std::vector<std::string> paths;
+  if (!ListFiles(arguments, paths)) return kTrouble;
+  if (paths.size() != 2) {
+    Complain("diff", "takes two files, not " + std::to_string(paths.size()));
+    return kTrouble;
+  }
   Document before, after;
-  const bool sound = LoadSound(arguments.files[0], arguments.limit, before);
-  if (!LoadSound(arguments.files[1], arguments.limit, after) || !sound) return kTrouble;
+  const bool sound = LoadSound(paths[0], arguments.limit, before);
+  if (!LoadSound(paths[1], arguments.limit, after) || !sound) return kTrouble;
   const std::string text = DiffText(before, after, arguments.all);
   if (!text.empty()) Write("--- " + Printable(before.path) + "\n+++ " + Printable(after.path) + "\n" + text);
   return text.empty() ? kSound : kDifferent;

@@ -8,11 +8,13 @@
 
 #include "reader/body.h"
 #include "reader/fault.h"
+#include "reader/inflate.h"
 #include "reader/inv_reader.h"
 #include "zxml/tag.h"
 
 struct Section {
   InvRecord record;
+  bool isRead = false;  // it is one of the parts that were asked for; otherwise only its record is there
   InvBody body;
   TagTree tree;  // its container has no child for raw data and for a text without a root
 };
@@ -25,11 +27,12 @@ struct Document {
   Faults faults;                  // the container's, then the sections'
 };
 
-// Reads the whole file at `path`. False, and plain words in `trouble`, when that fails.
-bool ReadFile(const std::string& path, std::string& bytes, std::string& trouble);
+// What of a file is read beside its index: the AssetInfo tree alone, all trees, or raw data as well.
+enum class Parts { Asset, Trees, All };
 
 // `bytes` taken apart; its bodies together may inflate to `limit` bytes.
-Document ReadDocument(std::string path, std::string_view bytes, std::size_t limit = kDefaultLimit);
+Document ReadDocument(std::string path, std::string_view bytes, std::size_t limit = kDefaultLimit,
+                      Parts parts = Parts::All);
 
 // The section's root tag, null when it has none. Owned by the section.
 const Tag* RootTag(const Section& section);

@@ -1,6 +1,4 @@
 // Hands out one body byte for byte and makes sure that no INV file is lost to it.
-#include <sys/stat.h>
-
 #include <cerrno>
 #include <cstddef>
 #include <cstdio>
@@ -9,33 +7,17 @@
 #include <string_view>
 
 #include "reader/commands.h"
+#include "reader/files.h"
 #include "reader/run.h"
+#include "reader/text.h"
 
 namespace {
 
-// True for a regular file that ends like an INV file.
-bool IsInvFile(const std::string& path) {
-  struct stat status;
-  if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
-  std::FILE* file = std::fopen(path.c_str(), "rb");
-  if (file == nullptr) return false;
-  char end[kInvMagic.size()] = {};
-  const bool read = std::fseek(file, -static_cast<long>(sizeof end), SEEK_END) == 0 &&
-                    std::fread(end, 1, sizeof end, file) == sizeof end;
-  std::fclose(file);
-  return read && std::string_view(end, sizeof end) == kInvMagic;
-}
-
 // True when all of `text` has reached the file.
-bool PutText(std::FILE* file, std::string_view text) {
-  const bool written = std::fwrite(text.data(), 1, text.size(), file) == text.size();
-  return std::fflush(file) == 0 && written;
-}
-
 bool PutIntoFile(const std::string& path, std::string_view text) {
   std::FILE* file = std::fopen(path.c_str(), "wb");
   if (file == nullptr) return false;
-  const bool written = PutText(file, text);
+  const bool written = std::fwrite(text.data(), 1, text.size(), file) == text.size();
   return std::fclose(file) == 0 && written;
 }
 
@@ -68,7 +50,7 @@ bool WriteExtract(std::string_view text, const std::string& path, std::string& t
     return false;
   }
   errno = 0;
-  if (standard ? PutText(stdout, text) : PutIntoFile(path, text)) return true;
+  if (standard ? WriteData(text) : PutIntoFile(path, text)) return true;
   trouble = std::strerror(errno != 0 ? errno : EIO);
   return false;
 }
@@ -76,13 +58,16 @@ bool WriteExtract(std::string_view text, const std::string& path, std::string& t
 namespace {
 
 int RunExtract(const Arguments& arguments) {
-  return ForEachFile(arguments, [&arguments](const Document& document, std::string&, std::string& trouble) {
-    std::string_view text;
-    if (!ExtractText(document, arguments.section.value_or(DefaultSection(document)), text, trouble)) return false;
-    if (WriteExtract(text, arguments.output, trouble)) return true;
-    trouble = arguments.output + ": " + trouble;
-    return false;
-  });
+  return ForEachFile(
+      arguments,
+      [&arguments](const Document& document, std::string&, std::string& trouble) {
+        std::string_view text;
+        if (!ExtractText(document, arguments.section.value_or(DefaultSection(document)), text, trouble)) return false;
+        if (WriteExtract(text, arguments.output, trouble)) return true;
+        trouble = Printable(arguments.output) + ": " + trouble;
+        return false;
+      },
+      Parts::All);
 }
 
 }  // namespace

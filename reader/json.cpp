@@ -117,10 +117,13 @@ std::string DocumentJson(const Document& document, bool oneLine) {
 namespace {
 
 int RunJson(const Arguments& arguments) {
-  return ForEachFile(arguments, [&arguments](const Document& document, std::string& out, std::string&) {
-    out = DocumentJson(document, arguments.lines);
-    return true;
-  });
+  return ForEachFile(
+      arguments,
+      [&arguments](const Document& document, std::string& out, std::string&) {
+        out = DocumentJson(document, arguments.lines);
+        return true;
+      },
+      Parts::All);
 }
 
 }  // namespace

@@ -22,6 +22,7 @@ std::size_t CountTags(const Tag& tag) {
 
 std::string Holds(const Section& section) {
   if (!section.record.inside) return "not in the file";
+  if (!section.isRead) return FormName(BodyForm::Raw);
   const std::string size = FormName(section.body.form) + ", " + Bytes(section.body.text.size());
   const Tag* root = RootTag(section);
   const std::string damage = section.body.whole ? "" : ", damaged";
@@ -46,18 +47,19 @@ std::string Line(const Row& row, const std::array<std::size_t, kColumns>& widths
 
 }  // namespace
 
-std::string ListText(const Document& document) {
+std::string ListText(const Document& document, bool header) {
   const InvContainer& inv = document.container;
   std::string text = Printable(document.path) + ": " + Bytes(document.size) + ", " +
                      std::to_string(inv.records.size()) + (inv.records.size() == 1 ? " section" : " sections") +
                      ", index at " + std::to_string(inv.indexOffset) + (inv.indexDeflated ? ", deflated" : ", plain") +
                      (inv.littleEndian ? ", little-endian\n" : ", big-endian\n");
-  std::vector<Row> rows = {{"#", "type", "offset", "length", "timestamp", "holds"}};
+  std::vector<Row> rows;
+  if (header) rows.push_back({"#", "type", "offset", "length", "timestamp", "holds"});
   for (const Section& section : document.sections) rows.push_back(MakeRow(section));
   std::array<std::size_t, kColumns> widths = {};
   for (const Row& row : rows)
     for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], Width(row[i]));
-  if (rows.size() == 1) return text;
+  if (document.sections.empty()) return text;
   for (const Row& row : rows) text += Line(row, widths);
   return text;
 }
@@ -65,8 +67,8 @@ std::string ListText(const Document& document) {
 namespace {
 
 int RunList(const Arguments& arguments) {
-  return ForEachFile(arguments, [](const Document& document, std::string& out, std::string&) {
-    out = ListText(document);
+  return ForEachFile(arguments, [&arguments](const Document& document, std::string& out, std::string&) {
+    out = ListText(document, !arguments.noHeader);
     return true;
   });
 }

@@ -1,24 +1,21 @@
-// What the commands share: going through the files one at a time, reading one with its messages, and writing.
+// What the commands share: going through the files one at a time, and reading one with its messages.
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <string>
 
 #include "reader/command.h"
 #include "reader/document.h"
-
-// "quillinv: file: words" on standard error.
-void Complain(const std::string& file, const std::string& words);
-// `text` to standard output.
-void Write(const std::string& text);
+#include "reader/output.h"
 
 // Reads one file. False, and a message, when it cannot be read at all.
-bool Load(const std::string& path, std::size_t limit, Document& document);
+bool Load(const std::string& path, std::size_t limit, Document& document, Parts parts = Parts::All);
 // The same with a message about faults. False when there are any; `document` then holds what could be read.
-bool LoadSound(const std::string& path, std::size_t limit, Document& document);
+bool LoadSound(const std::string& path, std::size_t limit, Document& document, Parts parts = Parts::All);
 
-// Calls `step` for each file and returns the worst status that it gave. Counts them on standard error when they are
-// more than a terminal has lines and standard output goes elsewhere.
+// Calls `step` for each file that the arguments name and returns the worst status that it gave. A file for which memory
+// runs out is named, and the others go on.
 int ForEachPath(const Arguments& arguments, const std::function<int(const std::string& path)>& step);
 
 // What a command writes about a file goes into `out`. False, and plain words in `trouble`, when it could not do its
@@ -26,5 +23,5 @@ int ForEachPath(const Arguments& arguments, const std::function<int(const std::s
 using Render = std::function<bool(const Document& document, std::string& out, std::string& trouble)>;
 
 // Writes what `render` gives for each file that has an index; one file at a time is in memory. kTrouble when a file
-// had faults or `render` trouble.
-int ForEachFile(const Arguments& arguments, const Render& render);
+// had faults or `render` trouble. Raw data is read only on request.
+int ForEachFile(const Arguments& arguments, const Render& render, Parts parts = Parts::Trees);

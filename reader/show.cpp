@@ -128,11 +128,12 @@ std::string TagValue(const Tag& tag) {
 }
 
 std::string ShowText(const Document& document, const ShowOptions& options) {
+  const auto rawText = [&options](const std::string& text) { return options.terminal ? PrintableLines(text) : text; };
   std::string out;
   for (const Section& section : document.sections) {
     const Tag* root = RootTag(section);
     if (options.raw) {
-      if (options.path.empty() || (root && root->name == options.path)) out += section.body.text;
+      if (options.path.empty() || (root && root->name == options.path)) out += rawText(section.body.text);
       continue;
     }
     if (!options.path.empty()) {
@@ -140,7 +141,7 @@ std::string ShowText(const Document& document, const ShowOptions& options) {
       continue;
     }
     out += out.empty() ? "" : "\n";
-    if (IsRaw(section)) out += section.body.text;
+    if (IsRaw(section)) out += rawText(section.body.text);
     for (const auto& child : section.tree.container.children) ShowTag(*child, "", options.colour, out);
   }
   return out;
@@ -149,14 +150,17 @@ std::string ShowText(const Document& document, const ShowOptions& options) {
 namespace {
 
 int RunShow(const Arguments& arguments) {
-  const bool colour = isatty(STDOUT_FILENO) != 0 && std::getenv("NO_COLOR") == nullptr;
-  const ShowOptions options = {arguments.raw, colour, arguments.word};
-  return ForEachFile(arguments, [&options](const Document& document, std::string& out, std::string& trouble) {
-    out = ShowText(document, options);
-    if (!out.empty() || options.path.empty()) return true;
+  const bool terminal = isatty(STDOUT_FILENO) != 0;
+  const bool colour = terminal && std::getenv("NO_COLOR") == nullptr;
+  const ShowOptions options = {arguments.raw, colour, arguments.word, terminal};
+  const auto render = [&options](const Document& document, std::string&, std::string& trouble) {
+    const std::string text = ShowText(document, options);
+    Write(text);  // it has escape sequences of its own
+    if (!text.empty() || options.path.empty()) return true;
     trouble = "holds nothing at " + Printable(options.path);
     return false;
-  });
+  };
+  return ForEachFile(arguments, render, options.path.empty() ? Parts::All : Parts::Trees);
 }
 
 }  // namespace

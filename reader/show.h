@@ -8,9 +8,10 @@
 #include "zxml/tag.h"
 
 struct ShowOptions {
-  bool raw = false;     // the text unchanged
-  bool colour = false;  // with escape sequences of a terminal
-  std::string path;     // what to show; empty for everything
+  bool raw = false;       // the text unchanged
+  bool colour = false;    // with escape sequences of a terminal
+  std::string path;       // what to show; empty for everything
+  bool terminal = false;  // raw texts are made printable, too
 };
 
 // All sections, or what the path names. Empty when the path names nothing.

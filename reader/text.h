@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 // What stands for a byte that cannot be shown: U+FFFD in UTF-8.
 constexpr char kReplacement[] = "\xEF\xBF\xBD";
@@ -12,8 +13,15 @@ constexpr char kReplacement[] = "\xEF\xBF\xBD";
 // `text` in UTF-8: each byte that belongs to no valid sequence, and each zero byte, becomes U+FFFD.
 std::string CleanUtf8(std::string_view text);
 
-// CleanUtf8, and control characters written as "\r" or "\x1B", so that a file cannot steer a terminal.
+// CleanUtf8, and control characters and those that change the direction of text written as "\r", "\x1B" or "\u202E",
+// so that a file can neither steer a terminal nor show what it does not say.
 std::string Printable(std::string_view text);
+// The same for a text of several lines, whose line ends and tabs stay.
+std::string PrintableLines(std::string_view text);
+
+// The one of `names` that takes the fewest insertions, deletions and replacements of bytes to become `name`, one more
+// than a third of its length at most; empty when there is none.
+std::string Nearest(std::string_view name, const std::vector<std::string>& names);
 
 // "1 byte", "2 bytes".
 std::string Bytes(std::uint64_t count);

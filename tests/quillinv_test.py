@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """quillinv end to end, on files that this script lays out byte by byte. Arguments: source folder, build folder."""
-import csv, io, json, os, struct, subprocess, sys, tempfile, unittest, zlib
+import csv, io, json, os, resource, struct, subprocess, sys, tempfile, unittest, zlib
 
 SOURCE, BUILD = (os.path.abspath(path) for path in sys.argv[1:3])
 QUILLINV = os.path.join(BUILD, "quillinv")
@@ -73,6 +73,49 @@ class Quillinv(unittest.TestCase):
         for arguments in ([], ["list"], ["nothing"], ["csv", "--columns", "x", self.a], ["diff", self.a]):
             run(*arguments, status=2)
 
+    def test_names_of_files(self):
+        os.makedirs("fleet/below")
+        def scanned(name, serial, day, *more):
+            text = b"+AssetInfo=\nhostname=H\nserial-number=%s\nlast-scan=202601%02d000000.000000+60\n-\n" % (serial, day)
+            return write("fleet/" + name, container((b"assetinfo\n", saved(text)), *more))
+        new, old, other = scanned("b.inv", b"S1", 9), scanned("below/a.inv", b"S1", 2), scanned("c.inv", b"S2", 1)
+        debug = scanned("below/d.inv", b"S2", 30, (b"customdata\nID=rawdata\n", zlib.compress(self.raw)))
+        write("fleet/below/a.txt", b"")
+        os.symlink("..", "fleet/below/loop")
+        def names(*arguments, status=0, text=None):
+            done = subprocess.run([QUILLINV, "csv", "--columns", "file", "--no-header", *arguments], capture_output=True, input=text)
+            self.assertEqual(done.returncode, status, done)
+            return done.stdout.decode().split("\r\n")[:-1]
+        write("list", f"{other}\n\n{self.a}\n".encode())
+        self.assertEqual(names("fleet"), [new, old, debug, other])
+        self.assertEqual(names("--latest", "fleet", self.a), [new, other, self.a])
+        self.assertEqual(names("--files-from", "list", new), [new, other, self.a])
+        self.assertEqual(names("--files-from", "-", text=f"{new}\0".encode()), [new])
+        self.assertEqual(names("-", text=scan()), ["-"])
+        self.assertEqual(run("show", "--files-from", "list", "AssetInfo/hostname")[0], b"H\nMAC\n")
+        os.mkdir("empty")
+        for arguments in (["--files-from", "none"], ["empty"], []):
+            names(*arguments, status=2)
+
+    def test_one_file_never_empties_the_others(self):
+        bomb = write("bomb.inv", container((b"assetinfo\n", saved(b"*AssetInfo=\n" + b"~=\n" * 999998))))
+        with open("sparse.inv", "wb") as file:
+            file.truncate(2 << 30)
+        with open("large.inv", "wb") as file:
+            file.seek((2 << 30) - len(scan()))
+            file.write(scan())
+        def limit():
+            resource.setrlimit(resource.RLIMIT_AS, (64 << 20, 64 << 20))
+        if subprocess.run([QUILLINV, "--version"], capture_output=True, preexec_fn=limit).returncode:
+            self.skipTest("a sanitizer takes more memory than that")
+        done = subprocess.run([QUILLINV, "csv", "--columns", "file,hostname", "--no-header", bomb, "sparse.inv", "large.inv", self.a],
+                              capture_output=True, preexec_fn=limit)
+        self.assertEqual((done.returncode, done.stdout), (2, b"a.inv,MAC\r\n"), done)
+        self.assertEqual(done.stderr.decode().splitlines(),
+                         ["quillinv: bomb.inv: there is not enough memory for this file",
+                          "quillinv: sparse.inv: has 2147483648 bytes and does not end like an INV file",
+                          "quillinv: large.inv: has 2147483648 bytes, more than the 268435456 bytes allowed (see --limit)"])
+
     def test_list_and_show(self):
         self.assertRegex(run("list", self.debug)[0], rb"\n  0  assetinfo  +0 +\d+ +deflated zXML, 42 bytes: AssetInfo, 1 tag\n")
         self.assertEqual(run("show", self.a, "Snapshot/OS")[0].decode(),
@@ -104,6 +147,10 @@ class Quillinv(unittest.TestCase):
             self.assertEqual((rows[0]["os-name"], rows[0]["last-scan"]), ('OS "X"', ""))
         self.assertEqual(rows[0]["Snapshot/OS/os:1/name"], 'a\rb \ufffd"c"')
         name = write("line\nfeed", scan())
+        formula = write("=f.inv", scan())
+        self.assertEqual(run("csv", "--safe-csv", "--columns", "file", "--no-header", formula)[0], b"'=f.inv\r\n")
+        self.assertIn("holds anything at Snapshot/OS/os:1/kernal",
+                      run("csv", "--columns", "Snapshot/OS/os:1/kernal,file", self.a, status=2)[1])
         rows = csv.reader(io.StringIO(run("csv", "--columns", "file,hostname", name)[0].decode(), newline=""))
         self.assertEqual(list(rows), [["file", "hostname"], [name, "MAC"]])
 

@@ -268,7 +268,7 @@ TEST(Show, ResolvesUnits) {
       {{"used%", MakeTextValue("6"), {{"pos", "1.50"}, {"max", "25.00"}, {"val-units", "GB"}}},
        "6 % (1.50 of 25.00 GB)"},
       {{"disk:1", MakeTextValue("465.63"), {{"free", "7"}, {"sys", "1"}}}, "465.63  (free 7, sys 1)"},
-      {{"x", MakeTextValue("\x1B[2J\r"), {}}, "\\x1B[2J\\r"}};
+      {{"x", MakeTextValue("\x1B[2J\r\x7F\xC2\x9B\xE2\x80\xAE"), {}}, "\\x1B[2J\\r\\u007F\\u009B\\u202E"}};
   for (const auto& [attribute, shown] : cases) EXPECT_EQ(ResolvedValue(attribute), shown);
 }
 
