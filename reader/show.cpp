@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "reader/commands.h"
+#include "reader/meaning.h"
 #include "reader/run.h"
 #include "reader/text.h"
 #include "reader/tree_path.h"
@@ -19,18 +20,22 @@ namespace {
 
 constexpr std::size_t kWidestName = 32;  // names beyond this do not push the column of values further right
 
-// The unit in which `shown` says what `bytes` counts; empty when it is neither gigabytes, megabytes nor bytes. A file
-// gives the unit only when it is not the usual one.
-const char* UnitOf(const std::string& shown, const std::string& bytes) {
-  constexpr struct {
-    const char* name;
-    double size;
-    double rounding;
-  } kUnits[] = {{"GB", 1073741824.0, 0.006}, {"MB", 1048576.0, 0.06}, {"bytes", 1.0, 0.5}};
+// A unit that a size may stand in, and how far rounding to its decimals takes the text from the bytes.
+struct SizeUnit {
+  const char* name;
+  double bytes;
+  double rounding;
+};
+
+constexpr SizeUnit kSizeUnits[] = {{"GB", 1073741824.0, 0.006}, {"MB", 1048576.0, 0.06}, {"bytes", 1.0, 0.5}};
+
+// The unit in which `shown` says what `bytes` counts; empty when it is none of them. A file gives the unit only when it
+// is not the usual one.
+const char* SizeUnitOf(const std::string& shown, const std::string& bytes) {
   const double value = std::strtod(shown.c_str(), nullptr);
   const double base = std::strtod(bytes.c_str(), nullptr);
-  for (const auto& unit : kUnits)
-    if (std::fabs(base / unit.size - value) < unit.rounding) return unit.name;
+  for (const SizeUnit& unit : kSizeUnits)
+    if (std::fabs(base / unit.bytes - value) < unit.rounding) return unit.name;
   return "";
 }
 
@@ -41,7 +46,8 @@ std::string PropertiesText(const std::vector<Property>& properties, const Names&
   std::string text;
   for (const Property& property : properties) {
     if (std::find(told.begin(), told.end(), property.name) != told.end()) continue;
-    text += (text.empty() ? "" : ", ") + Printable(property.name) + " " + Printable(property.text);
+    text += (text.empty() ? "" : ", ") + Printable(property.name);
+    if (!property.text.empty()) text += " " + Printable(property.text);
   }
   return text.empty() ? "" : "  (" + text + ")";
 }
@@ -52,15 +58,23 @@ std::string PropertyText(const Attribute& attribute, std::string_view name) {
 }
 
 // " GB"; adds the properties that this tells to `told`.
-std::string UnitText(const Attribute& attribute, Names& told) {
+std::string UnitText(const Attribute& attribute, std::string_view tagName, Names& told) {
   const std::string& text = TextOf(&attribute);
+  if (text.empty()) return "";
   const std::string bytes = PropertyText(attribute, "base-value");
   std::string unit = Printable(PropertyText(attribute, "units"));
-  if (unit.empty() && !bytes.empty()) unit = UnitOf(text, bytes);
+  if (unit.empty()) unit = UsualUnit(tagName, attribute.name);
+  if (unit.empty() && !bytes.empty()) unit = SizeUnitOf(text, bytes);
   if (!unit.empty()) told.insert(told.end(), {"units", "base-value"});
-  const bool percent = !text.empty() && !attribute.name.empty() && attribute.name.back() == '%';
-  if (unit.empty() && percent) unit = "%";
+  if (unit.empty() && !attribute.name.empty() && attribute.name.back() == '%') unit = "%";
   return unit.empty() ? "" : " " + unit;
+}
+
+// " (yes)" for a code that has a word.
+std::string CodeText(const Attribute& attribute, std::string_view tagName) {
+  if (PropertyText(attribute, "type") == "unknown") return "";
+  const std::string_view word = CodeWord(tagName, attribute.name, TextOf(&attribute));
+  return word.empty() ? "" : " (" + std::string(word) + ")";
 }
 
 // " (150.00 of 250.00 GB)" for an attribute that says where it stands on a scale; adds what this tells to `told`.
@@ -98,7 +112,8 @@ void ShowTag(const Tag& tag, const std::string& indent, bool colour, std::string
   for (const Attribute* attribute : attributes) column = std::max(column, Width(Printable(attribute->name)));
   column = std::min(column, kWidestName);
   for (const Attribute* attribute : attributes)
-    out += Line(indent + "  ", Printable(attribute->name), ResolvedValue(*attribute), column, colour ? "\x1B[36m" : "");
+    out += Line(indent + "  ", Printable(attribute->name), ResolvedValue(*attribute, tag.name), column,
+                colour ? "\x1B[36m" : "");
   for (const auto& child : tag.children) ShowTag(*child, indent + "  ", colour, out);
 }
 
@@ -106,7 +121,7 @@ std::string ShowMatches(const Tag& container, const ShowOptions& options) {
   std::string out;
   for (const PathMatch& match : FindByPath(container, options.path)) {
     if (match.attribute)
-      out += ResolvedValue(*match.attribute) + "\n";
+      out += ResolvedValue(*match.attribute, match.tag->name) + "\n";
     else
       ShowTag(*match.tag, "", options.colour, out);
   }
@@ -115,10 +130,12 @@ std::string ShowMatches(const Tag& container, const ShowOptions& options) {
 
 }  // namespace
 
-std::string ResolvedValue(const Attribute& attribute) {
+std::string ResolvedValue(const Attribute& attribute, std::string_view tagName) {
   Names told = {"complex"};
   std::string value = Printable(TextOf(&attribute));
-  value += UnitText(attribute, told);
+  const std::string code = CodeText(attribute, tagName);
+  if (!code.empty()) told.emplace_back("type");
+  value += code.empty() ? UnitText(attribute, tagName, told) : code;
   value += ScaleText(attribute, told);
   return value + PropertiesText(attribute.properties, told);
 }

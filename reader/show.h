@@ -17,7 +17,8 @@ struct ShowOptions {
 // All sections, or what the path names. Empty when the path names nothing.
 std::string ShowText(const Document& document, const ShowOptions& options);
 
-// The attribute's value with its unit and what its other properties say: "232.57 GB".
-std::string ResolvedValue(const Attribute& attribute);
+// The value of an attribute of a tag of that name, with its unit or the word of its code and what its other properties
+// say: "232.57 GB", "1 (yes)".
+std::string ResolvedValue(const Attribute& attribute, std::string_view tagName = "");
 // The tag's value with what its properties say.
 std::string TagValue(const Tag& tag);

@@ -270,6 +270,17 @@ TEST(Show, ResolvesUnits) {
       {{"disk:1", MakeTextValue("465.63"), {{"free", "7"}, {"sys", "1"}}}, "465.63  (free 7, sys 1)"},
       {{"x", MakeTextValue("\x1B[2J\r\x7F\xC2\x9B\xE2\x80\xAE"), {}}, "\\x1B[2J\\r\\u007F\\u009B\\u202E"}};
   for (const auto& [attribute, shown] : cases) EXPECT_EQ(ResolvedValue(attribute), shown);
+  const std::pair<std::pair<const char*, Attribute>, const char*> inTags[] = {
+      {{"HDD:1", {"size", MakeTextValue("250"), {{"base-value", "250063733391"}}}}, "250 GB (decimal)"},
+      {{"Memory-slot:2", {"capacity", MakeTextValue("2048"), {}}}, "2048 MB"},
+      {{"Processor:1", {"l2-cache-size", MakeTextValue("1024"), {}}}, "1024 KB"},
+      {{"Device:9", {"device-speed", MakeTextValue("5"), {{"units", "Gbit-s"}}}}, "5 Gbit-s"},
+      {{"Profile:1", {"disk-sleep-timer", MakeTextValue("0"), {}}}, "0 (never)"},
+      {{"Firewall", {"status", MakeTextValue("2"), {}}}, "2 (lets nothing in)"},
+      {{"Soft:x", {"64bit-app", MakeTextValue("1"), {{"type", "unknown"}}}}, "1  (type unknown)"},
+      {{"Soft:x", {"app-store", MakeTextValue("0"), {}}}, "0 (no)"},
+      {{"Monitor:1", {"aspect-ratio", MakeTextValue(""), {{":other", ""}}}}, "  (:other)"}};
+  for (const auto& [place, shown] : inTags) EXPECT_EQ(ResolvedValue(place.second, place.first), shown);
 }
 
 TEST(Text, ReplacesWhatIsNoUtf8) {
@@ -295,7 +306,7 @@ TEST(Diff, PairsNumberedTagsByValue) {
                {"*HDD:1=A\nsize=1\n*HDD:2", "*HDD:1", "- Snapshot/HDD:1: A\n"},
                {"*HDD:1=A\nsize=1\n*HDD:2=B", "*HDD:1=B", "- Snapshot/HDD:1: A\n"},
                {"=A\nsize=1", "=C\nsize=3", "! Snapshot/HDD:1: A -> C\n! Snapshot/HDD:1/size: 1 -> 3\n"},
-               {"e=2", "e=2\n~u=\nnew=n", "! Snapshot/HDD:2/size: 2 -> 2  (u )\n+ Snapshot/HDD:2/new: n\n"}};
+               {"e=2", "e=2\n~u=\nnew=n", "! Snapshot/HDD:2/size: 2 -> 2  (u)\n+ Snapshot/HDD:2/new: n\n"}};
   for (const auto& [from, to, lines, all] : cases)
     EXPECT_EQ(DiffText(DocumentOf(before), DocumentOf(Replaced(before, from, to)), all), lines) << from;
 }
