@@ -24,6 +24,7 @@ struct Arguments {
   bool latest = false;
   bool noHeader = false;
   bool all = false;
+  bool anyCase = false;
   bool json = false;
   bool lines = false;
   bool raw = false;

@@ -14,6 +14,7 @@ extern const Command kListCommand;
 extern const Command kShowCommand;
 extern const Command kJsonCommand;
 extern const Command kCsvCommand;
+extern const Command kFindCommand;
 extern const Command kDiffCommand;
 extern const Command kExtractCommand;
 extern const Command kCheckCommand;

@@ -124,6 +124,16 @@ class Quillinv(unittest.TestCase):
         self.assertTrue(run("show", self.debug)[0].endswith(self.raw))
         self.assertIn("holds nothing", run("show", self.a, "Snapshot/OS/os:2", status=2)[1])
 
+    def test_find(self):
+        self.assertEqual(run("find", "OS X", self.a, self.debug)[0].decode(),
+                         'W8,0\\rx\ufffd: Snapshot/OS/os:1: OS X v10.11\n')
+        self.assertEqual(run("find", "-i", "mac", self.a, self.debug)[0].decode().splitlines()[1:],
+                         ["W8,0\\rx\ufffd: AssetInfo/hostname: MAC", "d.inv: AssetInfo/int-name: Ann's \\ Mac"])
+        self.assertEqual(json.loads(run("find", "--json", "mac", self.a)[0]),
+                         {"mac_key": "W8,0\rx\ufffd", "file": "a.inv", "path": "Snapshot/OS/os:1~kind", "value": "mac"})
+        run("find", "hostname", self.a, status=1)
+        run("find", "x", status=2)
+
     def test_json_reads_back(self):
         files = [self.a, self.debug] * 20
         lines = [json.loads(line) for line in run("json", "--lines", *files)[0].decode().splitlines()]
