@@ -3,6 +3,7 @@
 #include "fuzz/fuzz.h"
 #include "reader/commands.h"
 #include "reader/csv.h"
+#include "reader/diff.h"
 #include "reader/show.h"
 #include "zxml/INVfile.h"
 
@@ -20,7 +21,7 @@ void CheckFile(std::string_view bytes) {
   CsvRow(document, DefaultColumns());
   ShowText(document, {});
   Require(!ListText(document).empty() && !DocumentJson(document, bytes.size() % 2 == 0).empty());
-  Require(DiffText(document, document, true).empty());
+  Require(FindDifferences(document, document, true).empty());
 }
 
 void CheckForms(const std::string& text) {

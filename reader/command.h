@@ -25,6 +25,7 @@ struct Arguments {
   bool noHeader = false;
   bool all = false;
   bool anyCase = false;
+  bool fleet = false;
   bool json = false;
   bool lines = false;
   bool raw = false;

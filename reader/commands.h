@@ -1,5 +1,5 @@
-// The commands of quillinv, and what those that work on whole files give for one file that was read. show and csv have
-// headers of their own.
+// The commands of quillinv, and what those that work on whole files give for one file that was read. show, csv and diff
+// have headers of their own.
 #pragma once
 
 #include <cstddef>
@@ -25,11 +25,6 @@ std::string ListText(const Document& document, bool header = true);
 // json: one document, on one line or indented; ends with a line feed. docs/json.md describes its shape, which stays as
 // it is. Bytes that are not UTF-8 become U+FFFD.
 std::string DocumentJson(const Document& document, bool oneLine);
-
-// diff: one line for each difference, empty when there is none: "+ path: value" appeared, "- path: value" vanished,
-// "! path: old -> new" changed. Numbered siblings ("partition:1") are taken for the same when their values agree,
-// whatever their numbers. What changes from scan to scan by itself is left out unless `all`.
-std::string DiffText(const Document& before, const Document& after, bool all);
 
 // extract: the section that is taken when none is asked for, the raw data if there is some, otherwise the first.
 std::size_t DefaultSection(const Document& document);

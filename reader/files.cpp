@@ -136,7 +136,10 @@ bool ListFiles(const Arguments& arguments, std::vector<std::string>& paths) {
     else
       sound = AddFolder(name, paths) && sound;
   }
-  if (arguments.latest) paths = LatestScans(paths, arguments.limit);
+  if (!arguments.latest) return sound;
+  std::vector<std::string> latest;
+  for (MacScan& scan : LatestScans(paths, arguments.limit)) latest.push_back(std::move(scan.path));
+  paths = std::move(latest);
   return sound;
 }
 

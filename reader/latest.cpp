@@ -2,6 +2,7 @@
 // newest file in the list.
 #include "reader/latest.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <limits>
 #include <new>
@@ -15,7 +16,7 @@ namespace {
 
 struct Newest {
   std::int64_t moment = 0;
-  std::size_t place = 0;  // in the list of the files
+  std::size_t place = 0;  // in the list of the scans
 };
 
 // What one file is in a fleet: nothing, itself, or a scan of a Mac.
@@ -41,23 +42,22 @@ Scan ReadScan(const std::string& path, std::size_t limit) try {
 
 }  // namespace
 
-std::vector<std::string> LatestScans(const std::vector<std::string>& paths, std::size_t limit) {
+std::vector<MacScan> LatestScans(const std::vector<std::string>& paths, std::size_t limit) {
+  std::vector<MacScan> scans;
   std::unordered_map<std::string, Newest> macs;
-  std::vector<bool> stays(paths.size(), false);
-  for (std::size_t i = 0; i < paths.size(); ++i) {
-    const Scan scan = ReadScan(paths[i], limit);
+  for (const std::string& path : paths) {
+    const Scan scan = ReadScan(path, limit);
     if (!scan.counts) continue;
-    stays[i] = true;
+    scans.push_back({scan.mac, path});
     if (scan.mac.empty()) continue;
-    const auto [known, isNew] = macs.try_emplace(scan.mac, Newest{scan.moment, i});
+    const auto [known, isNew] = macs.try_emplace(scan.mac, Newest{scan.moment, scans.size() - 1});
     Newest& newest = known->second;
     if (isNew) continue;
     const bool newer = scan.moment >= newest.moment;
-    stays[newer ? newest.place : i] = false;
-    if (newer) newest = {scan.moment, i};
+    scans[newer ? newest.place : scans.size() - 1].path.clear();
+    if (newer) newest = {scan.moment, scans.size() - 1};
   }
-  std::vector<std::string> latest;
-  for (std::size_t i = 0; i < paths.size(); ++i)
-    if (stays[i]) latest.push_back(paths[i]);
-  return latest;
+  const auto isOld = [](const MacScan& scan) { return scan.path.empty(); };
+  scans.erase(std::remove_if(scans.begin(), scans.end(), isOld), scans.end());
+  return scans;
 }

@@ -39,7 +39,8 @@ bool KnowsCommand(const std::string& name) {
   for (const Command* command : Commands()) names.emplace_back(command->name);
   if (name[0] == '-' || std::find(names.begin(), names.end(), name) != names.end()) return true;
   const std::string nearest = Nearest(name, names);
-  Complain(name, "there is no such command" + (nearest.empty() ? " (see quillinv --help)" : "; did you mean " + nearest + "?"));
+  Complain(name, "there is no such command" +
+                     (nearest.empty() ? " (see quillinv --help)" : "; did you mean " + nearest + "?"));
   return false;
 }
 

@@ -33,9 +33,8 @@ bool LoadSound(const std::string& path, std::size_t limit, Document& document, P
   return false;
 }
 
-int ForEachPath(const Arguments& arguments, const std::function<int(const std::string& path)>& step) {
-  std::vector<std::string> paths;
-  int status = ListFiles(arguments, paths) ? kSound : kTrouble;
+int ForEachOf(const std::vector<std::string>& paths, const std::function<int(const std::string& path)>& step) {
+  int status = kSound;
   StartProgress(paths.size());
   for (const std::string& path : paths) {
     if (!AllWritten()) break;
@@ -49,6 +48,12 @@ int ForEachPath(const Arguments& arguments, const std::function<int(const std::s
   }
   EndProgress();
   return status;
+}
+
+int ForEachPath(const Arguments& arguments, const std::function<int(const std::string& path)>& step) {
+  std::vector<std::string> paths;
+  const int listed = ListFiles(arguments, paths) ? kSound : kTrouble;
+  return std::max(listed, ForEachOf(paths, step));
 }
 
 int ForEachFile(const Arguments& arguments, const Render& render, Parts parts) {

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "reader/command.h"
 #include "reader/document.h"
@@ -14,8 +15,10 @@ bool Load(const std::string& path, std::size_t limit, Document& document, Parts 
 // The same with a message about faults. False when there are any; `document` then holds what could be read.
 bool LoadSound(const std::string& path, std::size_t limit, Document& document, Parts parts = Parts::All);
 
-// Calls `step` for each file that the arguments name and returns the worst status that it gave. A file for which memory
-// runs out is named, and the others go on.
+// Calls `step` for each of the files and returns the worst status that it gave. A file for which memory runs out is
+// named, and the others go on.
+int ForEachOf(const std::vector<std::string>& paths, const std::function<int(const std::string& path)>& step);
+// The same for the files that the arguments name.
 int ForEachPath(const Arguments& arguments, const std::function<int(const std::string& path)>& step);
 
 // What a command writes about a file goes into `out`. False, and plain words in `trouble`, when it could not do its

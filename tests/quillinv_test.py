@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """quillinv end to end, on files that this script lays out byte by byte. Arguments: source folder, build folder."""
-import csv, io, json, os, resource, struct, subprocess, sys, tempfile, unittest, zlib
+import contextlib, csv, io, json, os, resource, socket, struct, subprocess, sys, tempfile, unittest, zlib
 
 SOURCE, BUILD = (os.path.abspath(path) for path in sys.argv[1:3])
 QUILLINV = os.path.join(BUILD, "quillinv")
@@ -170,6 +170,50 @@ class Quillinv(unittest.TestCase):
         self.assertEqual(run("diff", self.a, self.other, status=1)[0],
                          b"--- a.inv\n+++ c.inv\n! AssetInfo/hostname: MAC -> MAC2\n")
         run("diff", self.a, self.bad, status=2)
+        run("diff", "--fleet", self.a, status=2)
+        self.assertEqual(json.loads(run("diff", "--json", self.a, self.other, status=1)[0]),
+                         {"mac_key": "W8,0\rx\ufffd", "change": "changed", "path": "AssetInfo/hostname", "before": "MAC",
+                          "after": "MAC2", "file_before": "a.inv", "file_after": "c.inv"})
+
+    def test_diff_of_fleets(self):
+        def put(name, serial, name_in_it):
+            text = b"+AssetInfo=\nserial-number=%s\nint-name=%s\n-\n" % (serial, name_in_it)
+            os.makedirs(os.path.dirname(name), exist_ok=True)
+            return write(name, container((b"assetinfo\n", saved(text))))
+        for folder in ("old", "new"):
+            put(folder + "/same.inv", b"S0", b"n")
+            put(folder + "/changed.inv", b"S1", folder.encode())
+            put(folder + "/only.inv", folder.encode(), b"n")
+        self.assertEqual(run("diff", "--fleet", "old", "new", status=1)[0].decode(),
+                         "2 Macs in both, 1 changed; 1 new, 1 gone\n  AssetInfo  1 difference on 1 Mac\n\n"
+                         "+ new (n): new/only.inv\n- old (n): old/only.inv\n\n=== S1 (new)\n--- old/changed.inv\n"
+                         "+++ new/changed.inv\n! AssetInfo/int-name: old -> new\n")
+        lines = [json.loads(line) for line in run("diff", "--fleet", "--json", "old", "new", status=1)[0].splitlines()]
+        self.assertEqual([(line["mac_key"], line["change"], line["path"]) for line in lines],
+                         [("S1", "changed", "AssetInfo/int-name"), ("new", "appeared", None), ("old", "vanished", None)])
+        run("diff", "--fleet", "old", "old")
+        put("new/nobody.inv", b"", b"n")
+        self.assertIn("nobody.inv: does not tell which Mac", run("diff", "--fleet", "old", "new", status=2)[1])
+
+    def test_output_is_whole_lines_that_steer_no_terminal(self):
+        name = write("\x1b[2J\u202e.inv", scan(host=b"\x1b]0;x\xc2\x9b"))
+        master, terminal = os.openpty()
+        for command in (["list"], ["csv"], ["json", "--lines"], ["find", "]0;x"]):
+            subprocess.run([QUILLINV, *command, name], stdout=terminal, stderr=terminal)
+        os.close(terminal)
+        shown = b""
+        with contextlib.suppress(OSError):
+            while chunk := os.read(master, 65536):
+                shown += chunk
+        self.assertIn(b"]0;x", shown)
+        for steering in (b"\x1b", "\u202e".encode(), b"\xc2\x9b"):
+            self.assertNotIn(steering, shown)
+        ours, theirs = socket.socketpair(socket.AF_UNIX, socket.SOCK_SEQPACKET)
+        long = write("long.inv", container((b"assetinfo\n", saved(b"*AssetInfo=\n" + b"~property=text\n" * 999))))
+        with ours, subprocess.Popen([QUILLINV, "show", "--raw", long], stdout=theirs), theirs:
+            theirs.close()
+            pieces = list(iter(lambda: ours.recv(1 << 20), b""))
+        self.assertEqual([len(pieces) > 2, max(map(len, pieces)) <= 4096, {piece[-1:] for piece in pieces}], [True, True, {b"\n"}])
 
     def test_check_answers_by_its_status(self):
         self.assertEqual(run("check", self.a, self.debug)[0], b"a.inv: sound\nd.inv: sound\n")

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "reader/commands.h"
+#include "reader/diff.h"
 #include "reader/identity.h"
 #include "reader/show.h"
 #include "reader/text.h"
@@ -293,22 +294,48 @@ TEST(Text, ReplacesWhatIsNoUtf8) {
   }
 }
 
-TEST(Diff, PairsNumberedTagsByValue) {
-  const std::string before = "+Snapshot=\nuptime=1\n*P=\n*HDD:1=A\nsize=1\n*HDD:2=B\nsize=2\nfree=5\n*Processes=\n-\n";
+TEST(Diff, PairsTagsByWhatTheyAre) {
+  const std::string numbered = "+Snapshot=\nuptime=1\n*P=\n*D:1=A\nsize=1\n*D:2=B\nsize=2\nfree=5\n*Processes=\n-\n";
+  const std::string disks =
+      "+S=\n*HDD:1=\nmodel=M\nserial=A\n*HDD:2=\nmodel=M\nserial=B\n*HDD:3=\nmodel=M\nserial=C\n"
+      "*partition:1=V\nmount-point=/\n*partition:2=W\nmount-point=\n*control=\ndisk:1=1\n~mount-point=/\ndisk:2=2\n"
+      "~mount-point=/w\n-\n";
+  const std::string software =
+      "+S=\n*Soft:Mail 4=Mail\nversion=4\ninst-date=1\ninfo=i\nlocation=/A\n*Soft:Mail 3=Mail\nversion=3\n"
+      "location=/B\n*app:1=a\nstatus=1\n*app:2=b\nstatus=1\n-\n";
   const struct {
+    const std::string& before;
     const char *from, *to, *lines;
     bool all = false;
-  } cases[] = {{"free=5\n", "free=6\n~units=MB\n", ""},
-               {"uptime=1", "uptime=2", ""},
-               {"*Processes=\n", "", ""},
-               {"*Processes=\n", "", "- Snapshot/Processes\n", true},
-               {"uptime=1", "uptime=2", "! Snapshot/uptime: 1 -> 2\n", true},
-               {"*HDD:1=A\nsize=1\n*HDD:2", "*HDD:1", "- Snapshot/HDD:1: A\n"},
-               {"*HDD:1=A\nsize=1\n*HDD:2=B", "*HDD:1=B", "- Snapshot/HDD:1: A\n"},
-               {"=A\nsize=1", "=C\nsize=3", "! Snapshot/HDD:1: A -> C\n! Snapshot/HDD:1/size: 1 -> 3\n"},
-               {"e=2", "e=2\n~u=\nnew=n", "! Snapshot/HDD:2/size: 2 -> 2  (u)\n+ Snapshot/HDD:2/new: n\n"}};
-  for (const auto& [from, to, lines, all] : cases)
-    EXPECT_EQ(DiffText(DocumentOf(before), DocumentOf(Replaced(before, from, to)), all), lines) << from;
+  } cases[] = {
+      {numbered, "free=5\n", "free=6\n~units=MB\n", ""},
+      {numbered, "uptime=1", "uptime=2", ""},
+      {numbered, "*Processes=\n", "", ""},
+      {numbered, "*Processes=\n", "", "- Snapshot/Processes\n", true},
+      {numbered, "uptime=1", "uptime=2", "! Snapshot/uptime: 1 -> 2\n", true},
+      {numbered, "*D:1=A\nsize=1\n*D:2", "*D:1", "- Snapshot/D:1: A\n"},
+      {numbered, "*D:1=A\nsize=1\n*D:2=B", "*D:1=B", "- Snapshot/D:1: A\n"},
+      {numbered, "=A\nsize=1", "=C\nsize=3", "! Snapshot/D:1: A -> C\n! Snapshot/D:1/size: 1 -> 3\n"},
+      {numbered, "e=2", "e=2\n~u=\nnew=n", "! Snapshot/D:2/size: 2 -> 2  (u)\n+ Snapshot/D:2/new: n\n"},
+      {disks, "*HDD:1=\nmodel=M\nserial=A\n*HDD:2=\nmodel=M\nserial=B\n*HDD:3", "*HDD:1=\nmodel=M\nserial=B\n*HDD:2",
+       "- S/HDD:1: M, A\n"},
+      {disks, "serial=A", "serial=D", "- S/HDD:1: M, A\n+ S/HDD:1: M, D\n"},
+      {disks, "serial=A\n", "", "- S/HDD:1/serial: A\n"},
+      {disks, "1=V\nmount-point=/\n*partition:2=W\nmount-point=\n",
+       "1=W\nmount-point=\n*partition:2=V\nmount-point=/\n", ""},
+      {disks, "=V\n", "=X\n", "! S/partition:1: V -> X\n"},
+      {disks, "*partition:1=V\nmount-point=/\n", "", "- S/partition:1: V\n"},
+      {disks, "disk:1=1\n~mount-point=/\ndisk:2", "disk:1", "- S/control/disk:1: 1  (mount-point /)\n"},
+      {software, "Mail 4=Mail\nversion=4\ninst-date=1\ninfo=i", "Mail 5=Mail\nversion=5\ninst-date=2\ninfo=j",
+       "! S/Soft:Mail 4/version: 4 -> 5\n"},
+      {software, "/A", "/C", "- S/Soft:Mail 4: Mail\n+ S/Soft:Mail 4: Mail\n"},
+      {software, "app:1=a\nstatus=1\n*app:2", "app:1", "- S/app:1: a\n"},
+      {software, "app:1=a", "app:1=c", "- S/app:1: a\n+ S/app:1: c\n"},
+  };
+  for (const auto& [before, from, to, lines, all] : cases) {
+    const Document later = DocumentOf(Replaced(before, from, to));
+    EXPECT_EQ(DiffText(FindDifferences(DocumentOf(before), later, all)), lines) << from;
+  }
 }
 
 TEST(Identity, ReadsTimestampsOfEveryZone) {
