@@ -28,14 +28,12 @@ int DiffFilesOf(const Arguments& arguments, const std::string& older, const std:
 
 int RunDiff(const Arguments& arguments) {
   if (arguments.fleet && arguments.files.size() == 2) return DiffFleets(arguments);
-  std::vector<std::string> paths;
-  if (arguments.fleet || !ListFiles(arguments, paths)) {
-    if (arguments.fleet) Complain("diff", "--fleet takes two folders");
+  if (arguments.fleet) {
+    Complain("diff", "--fleet takes two folders");
     return kTrouble;
   }
-  if (paths.size() == 2) return DiffFilesOf(arguments, paths[0], paths[1]);
-  Complain("diff", "takes two files, not " + std::to_string(paths.size()));
-  return kTrouble;
+  std::vector<std::string> paths;
+  return ListExactly(arguments, "diff", 2, paths) ? DiffFilesOf(arguments, paths[0], paths[1]) : kTrouble;
 }
 
 }  // namespace

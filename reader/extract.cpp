@@ -5,6 +5,7 @@
 #include <cstring>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "reader/commands.h"
 #include "reader/files.h"
@@ -58,16 +59,16 @@ bool WriteExtract(std::string_view text, const std::string& path, std::string& t
 namespace {
 
 int RunExtract(const Arguments& arguments) {
-  return ForEachFile(
-      arguments,
-      [&arguments](const Document& document, std::string&, std::string& trouble) {
-        std::string_view text;
-        if (!ExtractText(document, arguments.section.value_or(DefaultSection(document)), text, trouble)) return false;
-        if (WriteExtract(text, arguments.output, trouble)) return true;
-        trouble = Printable(arguments.output) + ": " + trouble;
-        return false;
-      },
-      Parts::All);
+  std::vector<std::string> paths;
+  if (!ListExactly(arguments, "extract", 1, paths)) return kTrouble;
+  const auto render = [&arguments](const Document& document, std::string&, std::string& trouble) {
+    std::string_view text;
+    if (!ExtractText(document, arguments.section.value_or(DefaultSection(document)), text, trouble)) return false;
+    if (WriteExtract(text, arguments.output, trouble)) return true;
+    trouble = Printable(arguments.output) + ": " + trouble;
+    return false;
+  };
+  return ForEachFileOf(paths, arguments.limit, render, Parts::All);
 }
 
 }  // namespace

@@ -143,6 +143,14 @@ bool ListFiles(const Arguments& arguments, std::vector<std::string>& paths) {
   return sound;
 }
 
+bool ListExactly(const Arguments& arguments, const char* command, std::size_t count, std::vector<std::string>& paths) {
+  const bool listed = ListFiles(arguments, paths);
+  if (paths.size() == count) return listed;
+  Complain(command, "takes " + std::to_string(count) + (count == 1 ? " file" : " files") + ", not " +
+                        std::to_string(paths.size()));
+  return false;
+}
+
 bool IsInvFile(const std::string& path) {
   struct stat status;
   if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return false;

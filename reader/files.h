@@ -1,6 +1,7 @@
 // The files that a command line names: folders and lists taken apart, the newest scan of each Mac, and reading one.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,9 @@
 // *.inv files in and below it, sorted by their names; with --latest, of the scans of one Mac only the newest is left.
 // False, and a message, for each name that leads to no file; the others stand in `paths` all the same.
 bool ListFiles(const Arguments& arguments, std::vector<std::string>& paths);
+
+// The same for a command that works on `count` files: false, and a message, as well when they are more or fewer.
+bool ListExactly(const Arguments& arguments, const char* command, std::size_t count, std::vector<std::string>& paths);
 
 // True for a regular file that ends like an INV file.
 bool IsInvFile(const std::string& path);

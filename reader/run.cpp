@@ -56,10 +56,10 @@ int ForEachPath(const Arguments& arguments, const std::function<int(const std::s
   return std::max(listed, ForEachOf(paths, step));
 }
 
-int ForEachFile(const Arguments& arguments, const Render& render, Parts parts) {
-  return ForEachPath(arguments, [&arguments, &render, parts](const std::string& path) {
+int ForEachFileOf(const std::vector<std::string>& paths, std::size_t limit, const Render& render, Parts parts) {
+  return ForEachOf(paths, [limit, &render, parts](const std::string& path) {
     Document document;
-    const int status = LoadSound(path, arguments.limit, document, parts) ? kSound : kTrouble;
+    const int status = LoadSound(path, limit, document, parts) ? kSound : kTrouble;
     if (document.sections.empty() && !document.container.whole) return status;
     std::string out;
     std::string trouble;
@@ -69,4 +69,10 @@ int ForEachFile(const Arguments& arguments, const Render& render, Parts parts) {
     Complain(path, trouble);
     return kTrouble;
   });
+}
+
+int ForEachFile(const Arguments& arguments, const Render& render, Parts parts) {
+  std::vector<std::string> paths;
+  const int listed = ListFiles(arguments, paths) ? kSound : kTrouble;
+  return std::max(listed, ForEachFileOf(paths, arguments.limit, render, parts));
 }

@@ -27,4 +27,6 @@ using Render = std::function<bool(const Document& document, std::string& out, st
 
 // Writes what `render` gives for each file that has an index; one file at a time is in memory. kTrouble when a file
 // had faults or `render` trouble. Raw data is read only on request.
+int ForEachFileOf(const std::vector<std::string>& paths, std::size_t limit, const Render& render, Parts parts);
+// The same for the files that the arguments name.
 int ForEachFile(const Arguments& arguments, const Render& render, Parts parts = Parts::Trees);
