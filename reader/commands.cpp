@@ -13,7 +13,8 @@ const std::vector<Option>& CommonOptions() {
       {"--latest", &Arguments::latest, "Of each Mac only its newest scan; debug scans do not count"},
       {"--files-from", &Arguments::filesFrom, "Take the names of files from this one, one a line; - is standard input"},
       {"--no-header", &Arguments::noHeader, "Leave out lines that only say what the columns or the files are"},
-      {"--limit", &Arguments::limit, "The most that a file's bodies may inflate to, such as 64MB (256MB)"},
+      {"--limit", &Arguments::limit,
+       "The most that a file, and the text of its bodies, may take, such as 64MB (256MB)"},
   };
   return options;
 }
