@@ -32,6 +32,7 @@ struct Arguments {
   bool safeCsv = false;
   std::string columns;
   std::string output;
+  std::string with;
   std::optional<std::size_t> section;
 };
 

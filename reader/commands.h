@@ -13,6 +13,7 @@
 extern const Command kListCommand;
 extern const Command kShowCommand;
 extern const Command kJsonCommand;
+extern const Command kRecordsCommand;
 extern const Command kCsvCommand;
 extern const Command kFindCommand;
 extern const Command kDiffCommand;

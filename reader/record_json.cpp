@@ -1,0 +1,110 @@
+// Writes a record as one line of JSON: every field of every table, in the tables' order.
+#include <algorithm>
+#include <cstdio>
+
+#include "reader/json_writer.h"
+#include "reader/record.h"
+
+namespace {
+
+// "2.0" and not "2", so that no engine takes the field for whole numbers.
+std::string DecimalText(double number) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%.15g", number);
+  std::string result = text;
+  return result.find_first_of(".e") == result.npos ? result + ".0" : result;
+}
+
+void WriteTexts(JsonWriter& json, const std::vector<std::string>& texts) {
+  JsonOpen(json, '[');
+  for (const std::string& text : texts) JsonText(json, text);
+  JsonClose(json, ']');
+}
+
+void WriteValue(JsonWriter& json, FieldType type, const FieldValue& value) {
+  if (!value.known) return JsonWord(json, "null");
+  switch (type) {
+    case FieldType::Integer:
+      return JsonWord(json, std::to_string(value.integer));
+    case FieldType::Decimal:
+      return JsonWord(json, DecimalText(value.real));
+    case FieldType::Flag:
+      return JsonWord(json, value.flag ? "true" : "false");
+    case FieldType::TextList:
+      return WriteTexts(json, value.texts);
+    case FieldType::Text:
+    case FieldType::Moment:
+    case FieldType::Day:
+      return JsonText(json, value.text);
+  }
+}
+
+struct Writing {
+  JsonWriter json;
+  RecordSource source;
+  const RecordOptions& options;
+  FieldValue value;
+};
+
+void WriteFields(Writing& writing, const RecordTable& table, const RecordRow& row) {
+  for (const RecordField& field : table) {
+    JsonKey(writing.json, field.name);
+    ReadField(field, row, writing.value);
+    WriteValue(writing.json, field.type, writing.value);
+  }
+}
+
+void WriteList(Writing& writing, const RecordTable& table) {
+  JsonOpen(writing.json, '[');
+  for (const RecordRow& row : RowsOf(table, writing.source)) {
+    JsonOpen(writing.json, '{');
+    WriteFields(writing, table, row);
+    JsonClose(writing.json, '}');
+  }
+  JsonClose(writing.json, ']');
+}
+
+bool IsWanted(const RecordTable& table, const RecordOptions& options) {
+  return !table.extra || std::count(options.with.begin(), options.with.end(), table.name) != 0;
+}
+
+// The fields of an object, then the objects and lists in it.
+void WriteObject(Writing& writing, const RecordTable& table, std::string_view name) {
+  JsonOpen(writing.json, '{');
+  WriteFields(writing, table, RowsOf(table, writing.source).front());
+  for (const RecordTable& inner : RecordTables()) {
+    if (inner.shape == TableShape::Mac || inner.parent != name || !IsWanted(inner, writing.options)) continue;
+    JsonKey(writing.json, inner.key);
+    inner.shape == TableShape::Object ? WriteObject(writing, inner, inner.name) : WriteList(writing, inner);
+  }
+  JsonClose(writing.json, '}');
+}
+
+}  // namespace
+
+std::string ExtraLists() {
+  std::string names;
+  for (const RecordTable& table : RecordTables())
+    if (table.extra) names += (names.empty() ? "" : ",") + std::string(table.name);
+  return names;
+}
+
+bool ParseExtraLists(std::string_view list, RecordOptions& options, std::string& unknown) {
+  while (!list.empty()) {
+    const std::string name(list.substr(0, list.find(',')));
+    const RecordTable* table = FindRecordTable(name);
+    if (!table || !table->extra) {
+      unknown = name;
+      return false;
+    }
+    options.with.push_back(name);
+    list.remove_prefix(std::min(name.size() + 1, list.size()));
+  }
+  return true;
+}
+
+std::string RecordJson(const Document& document, const RecordOptions& options) {
+  Writing writing = {{}, SourceOf(document), options, {}};
+  WriteObject(writing, RecordTables().front(), "");
+  return writing.json.text + "\n";
+}

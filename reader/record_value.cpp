@@ -1,0 +1,223 @@
+// Turns the texts of a tree into typed values: every number in the unit that the field's name ends with, every time in
+// UTC. A text that is not what its field wants gives null.
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+
+#include "reader/record_fields.h"
+
+namespace {
+
+std::string_view WithoutLineBreaks(std::string_view text) {
+  while (!text.empty() && (text.back() == '\r' || text.back() == '\n')) text.remove_suffix(1);
+  return text;
+}
+
+// Takes the step in front of the first "/" off the path.
+std::string_view NextStep(std::string_view& path) {
+  const std::size_t slash = path.find('/');
+  const std::string_view step = path.substr(0, slash);
+  path = slash == path.npos ? std::string_view() : path.substr(slash + 1);
+  return step;
+}
+
+const Tag* SourceTag(const FieldSource& source, const RecordRow& row) {
+  if (!source.absolute) return source.path.empty() ? row.tag : FindTag(row.tag, source.path);
+  std::string_view path = source.path;
+  return FindTag(NextStep(path) == "Snapshot" ? row.source->snapshot : row.source->asset, path);
+}
+
+std::string_view PropertyText(const std::vector<Property>& properties, std::string_view name) {
+  const Property* property = FindProperty(properties, name);
+  return property ? std::string_view(property->text) : std::string_view();
+}
+
+std::string_view Word(const RecordField& field, std::string_view code) {
+  for (std::size_t i = 0; i < field.codeCount; ++i)
+    if (code == field.codes[i].code) return field.codes[i].word;
+  return code;
+}
+
+void ReadFlag(std::string_view text, FieldValue& value) {
+  value.known = text == "0" || text == "1";
+  value.flag = text == "1";
+}
+
+std::optional<std::int64_t> Product(std::optional<std::int64_t> number, std::int64_t times) {
+  std::int64_t product = 0;
+  if (!number || __builtin_mul_overflow(*number, times, &product)) return std::nullopt;
+  return product;
+}
+
+// Comma-separated, as the agent joins them.
+void ReadList(std::string_view text, FieldValue& value) {
+  value.known = true;
+  value.texts.clear();
+  while (!text.empty()) {
+    const std::size_t comma = text.find(", ");
+    if (comma != 0) value.texts.emplace_back(text.substr(0, comma));
+    text = comma == text.npos ? std::string_view() : text.substr(comma + 2);
+  }
+}
+
+// The digits at a place as a number, -1 when there is something else.
+int Digits(std::string_view text, std::size_t start, std::size_t count) {
+  int number = 0;
+  for (std::size_t i = start; i < start + count; ++i) {
+    if (i >= text.size() || text[i] < '0' || text[i] > '9') return -1;
+    number = number * 10 + (text[i] - '0');
+  }
+  return number;
+}
+
+bool IsDay(int year, int month, int day) {
+  constexpr int kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+  if (year < 1000 || month < 1 || month > 12 || day < 1) return false;
+  const bool leap = (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
+  return day <= kDays[month - 1] + (month == 2 && leap ? 1 : 0);
+}
+
+void ReadDay(std::string_view text, FieldValue& value) {
+  const int year = Digits(text, 0, 4), month = Digits(text, 4, 2), day = Digits(text, 6, 2);
+  if (text.size() != 8 || !IsDay(year, month, day)) return;
+  char shown[32];
+  std::snprintf(shown, sizeof shown, "%04d-%02d-%02d", year, month, day);
+  SetText(value, shown);
+}
+
+// Days from 1970-01-01 to a day of the Gregorian calendar; years are counted from March.
+std::int64_t DayNumber(int year, int month, int day) {
+  const std::int64_t y = month > 2 ? year : year - 1;
+  const std::int64_t dayOfYear = (153 * (month > 2 ? month - 3 : month + 9) + 2) / 5 + day - 1;
+  return y * 365 + y / 4 - y / 100 + y / 400 + dayOfYear - 719468;
+}
+
+// "20260102030405.000000+60", the local time and its distance from UTC in minutes, in seconds since 1970.
+std::optional<std::int64_t> MomentSeconds(std::string_view text) {
+  const int year = Digits(text, 0, 4), month = Digits(text, 4, 2), day = Digits(text, 6, 2);
+  const int hour = Digits(text, 8, 2), minute = Digits(text, 10, 2), second = Digits(text, 12, 2);
+  if (!IsDay(year, month, day) || hour < 0 || hour > 23 || minute < 0 || minute > 59 || second < 0 || second > 60)
+    return std::nullopt;
+  const std::size_t sign = text.find_first_of("+-", 14);
+  const auto zone = sign == text.npos ? std::nullopt : WholeNumber(text.substr(sign));
+  constexpr std::int64_t kMinutesOfDay = 24 * 60;
+  if (!zone || *zone <= -kMinutesOfDay || *zone >= kMinutesOfDay) return std::nullopt;
+  return DayNumber(year, month, day) * 86400 + hour * 3600 + minute * 60 + second - *zone * 60;
+}
+
+void ReadMoment(std::string_view text, FieldValue& value) {
+  const std::optional<std::int64_t> seconds = MomentSeconds(text);
+  if (!seconds) return;
+  const std::time_t moment = static_cast<std::time_t>(*seconds);
+  std::tm utc = {};
+  char shown[64];
+  if (gmtime_r(&moment, &utc) && std::strftime(shown, sizeof shown, "%Y-%m-%dT%H:%M:%SZ", &utc)) SetText(value, shown);
+}
+
+}  // namespace
+
+const Tag* FindTag(const Tag* tag, std::string_view path) {
+  while (tag && !path.empty()) tag = FindChild(*tag, NextStep(path));
+  return tag;
+}
+
+std::string_view SourceText(const FieldSource& source, const RecordRow& row) {
+  const Tag* tag = SourceTag(source, row);
+  if (!tag) return {};
+  if (source.attribute == "=") return WithoutLineBreaks(TextOf(tag));
+  if (source.attribute.empty()) return WithoutLineBreaks(PropertyText(tag->properties, source.property));
+  const Attribute* attribute = FindAttribute(*tag, source.attribute);
+  if (!attribute) return {};
+  if (source.property.empty()) return WithoutLineBreaks(TextOf(attribute));
+  return WithoutLineBreaks(PropertyText(attribute->properties, source.property));
+}
+
+std::string_view SourceText(const RecordField& field, const RecordRow& row) {
+  const std::string_view text = SourceText(field.source, row);
+  const FieldSource& otherwise = field.otherwise;
+  const bool other = text.empty() && !(otherwise.attribute.empty() && otherwise.property.empty());
+  return other ? SourceText(otherwise, row) : text;
+}
+
+std::optional<std::int64_t> WholeNumber(std::string_view text) {
+  const bool negative = !text.empty() && text[0] == '-';
+  if (!text.empty() && (text[0] == '-' || text[0] == '+')) text.remove_prefix(1);
+  std::int64_t number = 0;
+  for (const char c : text) {
+    if (c < '0' || c > '9') return std::nullopt;
+    const int digit = negative ? '0' - c : c - '0';
+    if (__builtin_mul_overflow(number, 10, &number) || __builtin_add_overflow(number, digit, &number))
+      return std::nullopt;
+  }
+  return text.empty() ? std::nullopt : std::optional(number);
+}
+
+std::optional<double> RealNumber(std::string_view text) {
+  const std::string copy(text);
+  if (copy.empty() || copy.find_first_not_of("0123456789.+-eE") != copy.npos) return std::nullopt;
+  char* end = nullptr;
+  const double number = std::strtod(copy.c_str(), &end);
+  return *end || !std::isfinite(number) ? std::nullopt : std::optional(number);
+}
+
+void SetText(FieldValue& value, std::string_view text) {
+  value.known = !text.empty();
+  value.text.assign(text);
+}
+
+void SetInteger(FieldValue& value, std::optional<std::int64_t> number) {
+  value.known = number.has_value();
+  value.integer = number.value_or(0);
+}
+
+void ReadPlace(const RecordField&, const RecordRow& row, FieldValue& value) { SetInteger(value, row.place); }
+
+void ReadHolder(const RecordField&, const RecordRow& row, FieldValue& value) {
+  if (row.holder >= 0) SetInteger(value, row.holder);
+}
+
+void ReadBytes(const RecordField& field, const RecordRow& row, FieldValue& value) {
+  FieldSource property = field.source;
+  property.property = "base-value";
+  SetInteger(value, WholeNumber(SourceText(property, row)));
+  const std::optional<double> shown = value.known ? std::nullopt : RealNumber(SourceText(field.source, row));
+  if (!shown) return;
+  property.property = "units";
+  const double bytes = *shown * static_cast<double>(SourceText(property, row) == "MB" ? kMebibyte : 1024 * kMebibyte);
+  constexpr double kLimit = 9.2e18;
+  if (bytes > -kLimit && bytes < kLimit) SetInteger(value, std::llround(bytes));
+}
+
+void ReadPresent(const RecordField& field, const RecordRow& row, FieldValue& value) {
+  value.known = value.flag = !SourceText(field, row).empty();
+}
+
+void ReadNonZero(const RecordField& field, const RecordRow& row, FieldValue& value) {
+  const auto number = Product(WholeNumber(SourceText(field, row)), field.times);
+  if (number.value_or(0) != 0) SetInteger(value, number);
+}
+
+void ReadField(const RecordField& field, const RecordRow& row, FieldValue& value) {
+  value.known = false;
+  if (field.read) return field.read(field, row, value);
+  const std::string_view text = SourceText(field, row);
+  switch (field.type) {
+    case FieldType::Text:
+      return SetText(value, Word(field, text));
+    case FieldType::TextList:
+      return ReadList(text, value);
+    case FieldType::Integer:
+      return SetInteger(value, Product(WholeNumber(text), field.times));
+    case FieldType::Decimal:
+      value.real = RealNumber(text).value_or(0);
+      value.known = RealNumber(text).has_value();
+      return;
+    case FieldType::Flag:
+      return ReadFlag(text, value);
+    case FieldType::Moment:
+      return ReadMoment(text, value);
+    case FieldType::Day:
+      return ReadDay(text, value);
+  }
+}
