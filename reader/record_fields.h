@@ -75,8 +75,10 @@ void SetText(FieldValue& value, std::string_view text);
 void SetInteger(FieldValue& value, std::optional<std::int64_t> number);
 
 // Ways to read.
-void ReadPlace(const RecordField& field, const RecordRow& row, FieldValue& value);    // the row's place
-void ReadHolder(const RecordField& field, const RecordRow& row, FieldValue& value);   // the place of its holder
-void ReadBytes(const RecordField& field, const RecordRow& row, FieldValue& value);    // a quantity of storage
-void ReadPresent(const RecordField& field, const RecordRow& row, FieldValue& value);  // true where it has a value
-void ReadNonZero(const RecordField& field, const RecordRow& row, FieldValue& value);  // 0 says that it is not known
+void ReadPlace(const RecordField& field, const RecordRow& row, FieldValue& value);   // the row's place
+void ReadHolder(const RecordField& field, const RecordRow& row, FieldValue& value);  // the place of its holder
+void ReadBytes(const RecordField& field, const RecordRow& row, FieldValue& value);   // a quantity of storage
+void ReadPresent(const RecordField& field, const RecordRow& row,
+                 FieldValue& value);  // true where there is a text, else false
+void ReadTrueOrNull(const RecordField& field, const RecordRow& row, FieldValue& value);  // true where there is a text
+void ReadNonZero(const RecordField& field, const RecordRow& row, FieldValue& value);     // 0 says that it is not known

@@ -1,4 +1,5 @@
 // The fields of the record itself and of its objects: who the Mac is, its system, processor and firewall.
+#include "reader/identity.h"
 #include "reader/record_fields.h"
 
 namespace {
@@ -17,37 +18,16 @@ constexpr FieldCode kVirtualTypes[] = {
 
 constexpr FieldCode kFirewallStates[] = {{"0", "off"}, {"1", "limited"}, {"2", "block_all"}};
 
-struct KeyKind {
-  const char* kind;
-  FieldSource source;
-  FieldSource otherwise;
-};
-
-constexpr KeyKind kKeyKinds[] = {
-    {"serial_number", MakeFieldSource("AssetInfo/serial-number"), MakeFieldSource("Snapshot/System/Chassis/serial")},
-    {"uuid", MakeFieldSource("AssetInfo/uuid"), MakeFieldSource("Snapshot/System/Computer-system/uuid")},
-    {"mac_address", MakeFieldSource("AssetInfo/mac-address"), {}},
-    {"hostname", MakeFieldSource("AssetInfo/hostname"), MakeFieldSource("Snapshot/hostname")},
-};
-
-// The first of the kinds that the file has; null, and no text, when it has none.
-const char* MacKey(const RecordRow& row, std::string_view& text) {
-  for (const KeyKind& kind : kKeyKinds) {
-    text = SourceText(kind.source, row);
-    if (text.empty() && !kind.otherwise.attribute.empty()) text = SourceText(kind.otherwise, row);
-    if (!text.empty()) return kind.kind;
-  }
-  return nullptr;
-}
-
 void ReadMacKey(const RecordField&, const RecordRow& row, FieldValue& value) {
-  std::string_view text;
-  if (MacKey(row, text)) SetText(value, text);
+  SetText(value, MacKeyOf(*row.source->document).text);
 }
 
 void ReadMacKeyKind(const RecordField&, const RecordRow& row, FieldValue& value) {
-  std::string_view text;
-  if (const char* kind = MacKey(row, text)) SetText(value, kind);
+  SetText(value, MacKeyOf(*row.source->document).kind);
+}
+
+void ReadScanMoment(const RecordField&, const RecordRow& row, FieldValue& value) {
+  if (const auto moment = ScanMoment(*row.source->document)) SetText(value, IsoMoment(*moment));
 }
 
 void ReadFile(const RecordField&, const RecordRow& row, FieldValue& value) {
@@ -87,7 +67,8 @@ void ReadOsBuild(const RecordField& field, const RecordRow& row, FieldValue& val
 
 void ReadOsName(const RecordField& field, const RecordRow& row, FieldValue& value) {
   constexpr FieldSource kVersion = MakeFieldSource(kOsVersion);
-  const std::string_view version = SourceText(kVersion, row);
+  constexpr FieldSource kAssetVersion = MakeFieldSource("AssetInfo/control/os-ver");
+  const std::string_view version = SourceText(row.source->snapshot ? kVersion : kAssetVersion, row);
   if (version.substr(0, 2) == "S " && IsDigit(version, 2))
     SetText(value, "macOS " + std::string(VersionOf(version)));
   else
@@ -137,8 +118,12 @@ constexpr RecordField kMacFields[] = {
              "otherwise lists may be shorter than they should be",
              nullptr),
        ReadFaults),
-    Or(Field(FieldType::Moment, "scanned_at", "Snapshot/timestamp", "The end of the scan", "the time cannot be read"),
-       "AssetInfo/scan-attempt"),
+    By(Or(Field(FieldType::Moment, "scanned_at", "Snapshot/timestamp",
+                "The end of the scan; of a debug scan "
+                "`AssetInfo/scan-attempt`",
+                "the time cannot be read"),
+          "AssetInfo/last-scan"),
+       ReadScanMoment),
     By(Field(kInteger, "scan_seconds", "Snapshot/scan-time", "How long the scan took; milliseconds in the inventory",
              kDebug),
        ReadScanSeconds),

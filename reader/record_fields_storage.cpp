@@ -64,7 +64,7 @@ constexpr RecordField kVolumeFields[] = {
     By(Field(kFlag, "encrypted", "~kind", "True for an encrypted CoreStorage volume",
              "not known: other encryption is "
              "not told"),
-       ReadPresent),
+       ReadTrueOrNull),
 };
 
 std::int64_t PartitionsOf(const Tag& disk) {

@@ -3,8 +3,8 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 
+#include "reader/identity.h"
 #include "reader/record_fields.h"
 
 namespace {
@@ -61,58 +61,16 @@ void ReadList(std::string_view text, FieldValue& value) {
   }
 }
 
-// The digits at a place as a number, -1 when there is something else.
-int Digits(std::string_view text, std::size_t start, std::size_t count) {
-  int number = 0;
-  for (std::size_t i = start; i < start + count; ++i) {
-    if (i >= text.size() || text[i] < '0' || text[i] > '9') return -1;
-    number = number * 10 + (text[i] - '0');
-  }
-  return number;
-}
-
-bool IsDay(int year, int month, int day) {
-  constexpr int kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-  if (year < 1000 || month < 1 || month > 12 || day < 1) return false;
-  const bool leap = (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
-  return day <= kDays[month - 1] + (month == 2 && leap ? 1 : 0);
-}
-
+// "20121101"
 void ReadDay(std::string_view text, FieldValue& value) {
-  const int year = Digits(text, 0, 4), month = Digits(text, 4, 2), day = Digits(text, 6, 2);
-  if (text.size() != 8 || !IsDay(year, month, day)) return;
-  char shown[32];
-  std::snprintf(shown, sizeof shown, "%04d-%02d-%02d", year, month, day);
-  SetText(value, shown);
-}
-
-// Days from 1970-01-01 to a day of the Gregorian calendar; years are counted from March.
-std::int64_t DayNumber(int year, int month, int day) {
-  const std::int64_t y = month > 2 ? year : year - 1;
-  const std::int64_t dayOfYear = (153 * (month > 2 ? month - 3 : month + 9) + 2) / 5 + day - 1;
-  return y * 365 + y / 4 - y / 100 + y / 400 + dayOfYear - 719468;
-}
-
-// "20260102030405.000000+60", the local time and its distance from UTC in minutes, in seconds since 1970.
-std::optional<std::int64_t> MomentSeconds(std::string_view text) {
-  const int year = Digits(text, 0, 4), month = Digits(text, 4, 2), day = Digits(text, 6, 2);
-  const int hour = Digits(text, 8, 2), minute = Digits(text, 10, 2), second = Digits(text, 12, 2);
-  if (!IsDay(year, month, day) || hour < 0 || hour > 23 || minute < 0 || minute > 59 || second < 0 || second > 60)
-    return std::nullopt;
-  const std::size_t sign = text.find_first_of("+-", 14);
-  const auto zone = sign == text.npos ? std::nullopt : WholeNumber(text.substr(sign));
-  constexpr std::int64_t kMinutesOfDay = 24 * 60;
-  if (!zone || *zone <= -kMinutesOfDay || *zone >= kMinutesOfDay) return std::nullopt;
-  return DayNumber(year, month, day) * 86400 + hour * 3600 + minute * 60 + second - *zone * 60;
+  const std::string midnight = std::string(text) + "000000+0";
+  if (text.size() != 8 || !ParseTimestamp(midnight)) return;
+  value.known = true;
+  value.text = midnight.substr(0, 4) + "-" + midnight.substr(4, 2) + "-" + midnight.substr(6, 2);
 }
 
 void ReadMoment(std::string_view text, FieldValue& value) {
-  const std::optional<std::int64_t> seconds = MomentSeconds(text);
-  if (!seconds) return;
-  const std::time_t moment = static_cast<std::time_t>(*seconds);
-  std::tm utc = {};
-  char shown[64];
-  if (gmtime_r(&moment, &utc) && std::strftime(shown, sizeof shown, "%Y-%m-%dT%H:%M:%SZ", &utc)) SetText(value, shown);
+  if (const auto moment = ParseTimestamp(text)) SetText(value, IsoMoment(*moment));
 }
 
 }  // namespace
@@ -190,6 +148,11 @@ void ReadBytes(const RecordField& field, const RecordRow& row, FieldValue& value
 }
 
 void ReadPresent(const RecordField& field, const RecordRow& row, FieldValue& value) {
+  value.known = true;
+  value.flag = !SourceText(field, row).empty();
+}
+
+void ReadTrueOrNull(const RecordField& field, const RecordRow& row, FieldValue& value) {
   value.known = value.flag = !SourceText(field, row).empty();
 }
 
