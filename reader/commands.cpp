@@ -3,9 +3,9 @@
 #include "reader/commands.h"
 
 const std::vector<const Command*>& Commands() {
-  static const std::vector<const Command*> commands = {&kListCommand,    &kShowCommand,    &kJsonCommand,
-                                                       &kRecordsCommand, &kCsvCommand,     &kFindCommand,
-                                                       &kDiffCommand,    &kExtractCommand, &kCheckCommand};
+  static const std::vector<const Command*> commands = {
+      &kListCommand, &kShowCommand, &kJsonCommand, &kRecordsCommand, &kTableCommand, &kSchemaCommand,
+      &kCsvCommand,  &kFindCommand, &kDiffCommand, &kExtractCommand, &kCheckCommand};
   return commands;
 }
 

@@ -14,6 +14,8 @@ extern const Command kListCommand;
 extern const Command kShowCommand;
 extern const Command kJsonCommand;
 extern const Command kRecordsCommand;
+extern const Command kTableCommand;
+extern const Command kSchemaCommand;
 extern const Command kCsvCommand;
 extern const Command kFindCommand;
 extern const Command kDiffCommand;

@@ -13,6 +13,14 @@ if(TARGET CLI11::CLI11 AND TARGET nlohmann_json::nlohmann_json)
   target_link_libraries(quillinv PRIVATE reader CLI11::CLI11)
   install(TARGETS quillinv RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
   install(FILES man/quillinv.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+
+  # `cmake --build FOLDER --target reference` writes the documents that are made from the table of the records' fields.
+  set(reference_commands COMMAND quillinv schema reference > ${PROJECT_SOURCE_DIR}/docs/records.md
+                         COMMAND quillinv schema json > ${PROJECT_SOURCE_DIR}/schema/record.schema.json)
+  foreach(engine duckdb spark clickhouse trino)
+    list(APPEND reference_commands COMMAND quillinv schema ${engine} > ${PROJECT_SOURCE_DIR}/schema/record.${engine}.sql)
+  endforeach()
+  add_custom_target(reference ${reference_commands} VERBATIM)
 else()
   message(STATUS "CLI11 or nlohmann-json was not found: quillinv is not built")
 endif()

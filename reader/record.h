@@ -115,6 +115,20 @@ std::string_view UnitOf(const RecordField& field);
 std::vector<RecordRow> RowsOf(const RecordTable& table, const RecordSource& source);
 void ReadField(const RecordField& field, const RecordRow& row, FieldValue& value);
 
+// A column of a table's rows outside the record: a field, and the table whose row it is read from.
+struct RecordColumn {
+  std::string name;
+  const RecordTable* table = nullptr;
+  const RecordField* field = nullptr;
+};
+
+// mac_key, computer_name and scanned_at, then the table's own fields; those of "macs" hold the fields of its objects,
+// too, as "os_name". `table` is of the shape Mac or List.
+std::vector<RecordColumn> ColumnsOf(const RecordTable& table);
+
+// The value as a text for people and CSV; empty for null. Texts are as in the file, those of a list joined by ", ".
+std::string ValueText(FieldType type, const FieldValue& value);
+
 // The lists that --with asks for, by name.
 struct RecordOptions {
   std::vector<std::string> with;

@@ -46,7 +46,7 @@ constexpr RecordField kLibraryFields[] = {
     Field(kText, "name", "=", "The plug-in's name", kNotSaid),
     Field(kText, "version", "version", "Its version", "it has none"),
     Field(kText, "path", "path", "Where it is", kNotSaid),
-    Field(kText, "group", "group", "What kind it is: `InternetPlug-Ins`", kNotSaid),
+    Field(kText, "kind", "group", "What kind it is: `InternetPlug-Ins`", kNotSaid),
     Field(kText, "description", "descr", "What it says of itself", "it says nothing"),
 };
 
@@ -75,7 +75,7 @@ constexpr RecordField kProcessFields[] = {
     Field(kInteger, "pid", "pid", "The process's number", kNotSaid),
     Field(kInteger, "parent_pid", "ppid", "Its parent's number", kNotSaid),
     Field(kText, "name", "=", "Its name, 16 characters at most", kNotSaid),
-    Field(kText, "user", "user", "Whose it is", kNotSaid),
+    Field(kText, "user_name", "user", "Whose it is", kNotSaid),
     Field(kText, "command", "cmd-line", "Its command line", kNotSaid),
 };
 

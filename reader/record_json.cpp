@@ -1,19 +1,9 @@
 // Writes a record as one line of JSON: every field of every table, in the tables' order.
-#include <algorithm>
-#include <cstdio>
+#include "reader/record_json.h"
 
-#include "reader/json_writer.h"
-#include "reader/record.h"
+#include <algorithm>
 
 namespace {
-
-// "2.0" and not "2", so that no engine takes the field for whole numbers.
-std::string DecimalText(double number) {
-  char text[32];
-  std::snprintf(text, sizeof text, "%.15g", number);
-  std::string result = text;
-  return result.find_first_of(".e") == result.npos ? result + ".0" : result;
-}
 
 void WriteTexts(JsonWriter& json, const std::vector<std::string>& texts) {
   JsonOpen(json, '[');
@@ -21,15 +11,15 @@ void WriteTexts(JsonWriter& json, const std::vector<std::string>& texts) {
   JsonClose(json, ']');
 }
 
-void WriteValue(JsonWriter& json, FieldType type, const FieldValue& value) {
+}  // namespace
+
+void JsonValue(JsonWriter& json, FieldType type, const FieldValue& value) {
   if (!value.known) return JsonWord(json, "null");
   switch (type) {
     case FieldType::Integer:
-      return JsonWord(json, std::to_string(value.integer));
     case FieldType::Decimal:
-      return JsonWord(json, DecimalText(value.real));
     case FieldType::Flag:
-      return JsonWord(json, value.flag ? "true" : "false");
+      return JsonWord(json, ValueText(type, value));
     case FieldType::TextList:
       return WriteTexts(json, value.texts);
     case FieldType::Text:
@@ -38,6 +28,8 @@ void WriteValue(JsonWriter& json, FieldType type, const FieldValue& value) {
       return JsonText(json, value.text);
   }
 }
+
+namespace {
 
 struct Writing {
   JsonWriter json;
@@ -50,7 +42,7 @@ void WriteFields(Writing& writing, const RecordTable& table, const RecordRow& ro
   for (const RecordField& field : table) {
     JsonKey(writing.json, field.name);
     ReadField(field, row, writing.value);
-    WriteValue(writing.json, field.type, writing.value);
+    JsonValue(writing.json, field.type, writing.value);
   }
 }
 

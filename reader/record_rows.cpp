@@ -16,6 +16,19 @@ std::vector<RecordTable> MakeTables() {
   return tables;
 }
 
+void AddColumns(const RecordTable& table, const std::string& prefix, std::vector<RecordColumn>& columns) {
+  for (const RecordField& field : table) {
+    const std::string name = prefix + std::string(field.name);
+    const bool there =
+        std::any_of(columns.begin(), columns.end(), [&](const RecordColumn& c) { return c.name == name; });
+    if (!there || table.shape == TableShape::List) columns.push_back({name, &table, &field});
+  }
+}
+
+const RecordField& FieldOf(const RecordTable& table, std::string_view name) {
+  return *std::find_if(table.begin(), table.end(), [name](const RecordField& field) { return field.name == name; });
+}
+
 bool BeginsWith(std::string_view text, std::string_view start) { return text.substr(0, start.size()) == start; }
 
 }  // namespace
@@ -58,4 +71,16 @@ std::vector<RecordRow> RowsOf(const RecordTable& table, const RecordSource& sour
     if (BeginsWith(child->name, table.base))
       rows.push_back({&source, child.get(), static_cast<std::int64_t>(rows.size())});
   return rows;
+}
+
+std::vector<RecordColumn> ColumnsOf(const RecordTable& table) {
+  std::vector<RecordColumn> columns;
+  const RecordTable& mac = RecordTables().front();
+  for (const char* name : {"mac_key", "computer_name", "scanned_at"})
+    columns.push_back({name, &mac, &FieldOf(mac, name)});
+  AddColumns(table, "", columns);
+  if (table.shape != TableShape::Mac) return columns;
+  for (const RecordTable& object : RecordTables())
+    if (object.shape == TableShape::Object) AddColumns(object, std::string(object.name) + "_", columns);
+  return columns;
 }

@@ -73,6 +73,20 @@ void ReadMoment(std::string_view text, FieldValue& value) {
   if (const auto moment = ParseTimestamp(text)) SetText(value, IsoMoment(*moment));
 }
 
+// "2.0" and not "2", so that no engine takes the field for whole numbers.
+std::string DecimalText(double number) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%.15g", number);
+  std::string result = text;
+  return result.find_first_of(".e") == result.npos ? result + ".0" : result;
+}
+
+std::string Joined(const std::vector<std::string>& texts) {
+  std::string joined;
+  for (const std::string& text : texts) joined += (joined.empty() ? "" : ", ") + text;
+  return joined;
+}
+
 }  // namespace
 
 const Tag* FindTag(const Tag* tag, std::string_view path) {
@@ -183,4 +197,23 @@ void ReadField(const RecordField& field, const RecordRow& row, FieldValue& value
     case FieldType::Day:
       return ReadDay(text, value);
   }
+}
+
+std::string ValueText(FieldType type, const FieldValue& value) {
+  if (!value.known) return "";
+  switch (type) {
+    case FieldType::Integer:
+      return std::to_string(value.integer);
+    case FieldType::Decimal:
+      return DecimalText(value.real);
+    case FieldType::Flag:
+      return value.flag ? "true" : "false";
+    case FieldType::TextList:
+      return Joined(value.texts);
+    case FieldType::Text:
+    case FieldType::Moment:
+    case FieldType::Day:
+      break;
+  }
+  return value.text;
 }
