@@ -4,7 +4,7 @@
 set -eu
 cd "$(dirname -- "$0")"
 .ci/install-missing g++ make cmake pkg-config zlib1g-dev libplist-dev libexpat1-dev libcli11-dev nlohmann-json3-dev libgtest-dev \
-  python3 tzdata
+  python3 python3-jsonschema tzdata
 .ci/build dev
 cd build/dev
 exec ctest --output-on-failure "$@"
