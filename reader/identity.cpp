@@ -19,11 +19,6 @@ constexpr std::int64_t kMostZoneMinutes = kDay / kMinute;
 
 bool IsLeap(std::int64_t year) { return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0; }
 
-std::int64_t DaysOfMonth(std::int64_t year, std::int64_t month) {
-  constexpr std::int64_t kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-  return month == 2 && IsLeap(year) ? 29 : kDays[month - 1];
-}
-
 // Days from 1970-01-01 to the first of January of that year.
 std::int64_t DaysToYear(std::int64_t year) {
   const std::int64_t before = year - 1;
@@ -57,6 +52,11 @@ const std::string& AssetText(const Document& document, std::string_view name) {
 
 }  // namespace
 
+std::int64_t DaysOfMonth(std::int64_t year, std::int64_t month) {
+  constexpr std::int64_t kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+  return month == 2 && IsLeap(year) ? 29 : kDays[month - 1];
+}
+
 MacKey MacKeyOf(const Document& document) {
   constexpr struct {
     const char* attribute;
@@ -88,9 +88,10 @@ bool IsDebugScan(const Document& document) {
 }
 
 std::optional<std::int64_t> ParseTimestamp(std::string_view text) {
-  const auto seconds = text.size() < kClockSize ? std::nullopt : LocalSeconds(text);
   const std::size_t sign = text.find_first_of("+-");
-  if (!seconds || sign == std::string_view::npos) return std::nullopt;
+  if (text.size() < kClockSize || sign == std::string_view::npos) return std::nullopt;
+  const auto seconds = LocalSeconds(text);
+  if (!seconds) return std::nullopt;
   const auto zone = ParseNumber(text.substr(sign + 1));
   if (!zone || *zone > static_cast<std::uint64_t>(kMostZoneMinutes)) return std::nullopt;
   const std::int64_t distance = static_cast<std::int64_t>(*zone) * kMinute;

@@ -30,3 +30,6 @@ std::optional<std::int64_t> ParseTimestamp(std::string_view text);
 
 // "2026-01-02T02:04:05Z".
 std::string IsoMoment(std::int64_t moment);
+
+// Days of a month from 1 to 12 by the Gregorian calendar.
+std::int64_t DaysOfMonth(std::int64_t year, std::int64_t month);

@@ -15,6 +15,13 @@ void ReadIs64Bit(const RecordField& field, const RecordRow& row, FieldValue& val
   value.flag = SourceText(field, row) == "1";
 }
 
+void ReadArch(const RecordField& field, const RecordRow& row, FieldValue& value) {
+  constexpr std::string_view kPrefix = "arch_";
+  std::string_view text = SourceText(field, row);
+  if (text.substr(0, kPrefix.size()) == kPrefix) text.remove_prefix(kPrefix.size());
+  SetText(value, text);
+}
+
 constexpr RecordField kUserFields[] = {
     Field(kText, "name", "=", "The short name; several, separated by blanks, where the directory has several",
           kNotSaid),
@@ -29,18 +36,33 @@ constexpr RecordField kSoftwareFields[] = {
     Field(kText, "name", "=", "The application's name", "it has none"),
     Field(kText, "version", "version", "Its version", "it has none"),
     Field(kText, "path", "location", "Where it is", kNotSaid),
-    Field(FieldType::Day, "modified_on", "inst-date",
+    Field(FieldType::Day, "modified", "inst-date",
           "The day on which it was last changed, as a rule that of its "
           "installation or update",
           kNotSaid),
     Field(kFlag, "app_store", "app-store", "Whether it is from the App Store", kNotSaid),
-    Field(kText, "runtime", "runtime-environment", "What it is built for: `arch_x86`, `arch_ppc`, `universal`, ...",
-          kNotSaid),
+    By(Field(kText, "arch", "runtime-environment",
+             "What it is built for, without the `arch_` in front: `x86`, `ppc`, `universal`, ...", kNotSaid),
+       ReadArch),
     By(Field(kFlag, "is_64bit", "64bit-app", "Whether it has 64-bit code; false where the attribute is missing",
              "not known: the property `type` says `unknown`"),
        ReadIs64Bit),
-    Field(kText, "info", "info", "What it says of itself", "it says nothing"),
 };
+
+constexpr RecordField kInfoFields[] = {
+    By(Field(kInteger, "software", "", "The application's place in `software`, from 0", nullptr), ReadHolder),
+    Field(kText, "info", "info", "What the application says of itself", nullptr),
+};
+
+// The applications that say something.
+void InfoRows(const RecordSource& source, std::vector<RecordRow>& rows) {
+  for (RecordRow& application : RowsOf(*FindRecordTable("software"), source)) {
+    application.holder = application.place;
+    if (SourceText(kInfoFields[1], application).empty()) continue;
+    application.place = static_cast<std::int64_t>(rows.size());
+    rows.push_back(application);
+  }
+}
 
 constexpr RecordField kLibraryFields[] = {
     Field(kText, "name", "=", "The plug-in's name", kNotSaid),
@@ -101,6 +123,10 @@ void AddSoftwareTables(std::vector<RecordTable>& tables) {
   tables.push_back(ListTable("power_profiles", "Snapshot/System/PowerManagement",
                              "Profile:", "Settings for saving energy, one row for each kind of supply", kPowerFields));
   tables.push_back(ExtraTable("processes", "Snapshot/Processes", "process:", "Running processes", kProcessFields));
+  tables.push_back(ExtraTable("software_info", "Snapshot/Software",
+                              "Soft:", "What applications say of themselves; one row for each that says something",
+                              kInfoFields));
+  tables.back().rows = InfoRows;
   tables.push_back(ExtraTable("environment", "Snapshot/Environment",
                               "env-var:", "Variables of the environment of the scan", kEnvironmentFields));
 }

@@ -2,6 +2,7 @@
 #include "reader/record_json.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -32,10 +33,10 @@ void JsonValue(JsonWriter& json, FieldType type, const FieldValue& value) {
 namespace {
 
 struct Writing {
-  JsonWriter json;
   RecordSource source;
   const RecordOptions& options;
-  FieldValue value;
+  JsonWriter json = {};
+  FieldValue value = {};
 };
 
 void WriteFields(Writing& writing, const RecordTable& table, const RecordRow& row) {
@@ -96,7 +97,11 @@ bool ParseExtraLists(std::string_view list, RecordOptions& options, std::string&
 }
 
 std::string RecordJson(const Document& document, const RecordOptions& options) {
-  Writing writing = {{}, SourceOf(document), options, {}};
+  Writing writing{SourceOf(document), options};
+  std::size_t size = 0;
+  for (const Section& section : document.sections) size += section.body.text.size();
+  writing.json.text.reserve(size + size / 2);  // as a rule enough
   WriteObject(writing, RecordTables().front(), "");
-  return writing.json.text + "\n";
+  writing.json.text += '\n';
+  return std::move(writing.json.text);
 }

@@ -63,10 +63,12 @@ void ReadList(std::string_view text, FieldValue& value) {
 
 // "20121101"
 void ReadDay(std::string_view text, FieldValue& value) {
-  const std::string midnight = std::string(text) + "000000+0";
-  if (text.size() != 8 || !ParseTimestamp(midnight)) return;
+  const auto number = text.size() == 8 ? WholeNumber(text) : std::nullopt;
+  if (!number || text[0] < '0') return;
+  const std::int64_t year = *number / 10000, month = *number / 100 % 100, day = *number % 100;
+  if (year < 1 || month < 1 || month > 12 || day < 1 || day > DaysOfMonth(year, month)) return;
   value.known = true;
-  value.text = midnight.substr(0, 4) + "-" + midnight.substr(4, 2) + "-" + midnight.substr(6, 2);
+  value.text.assign(text.substr(0, 4)).append(1, '-').append(text.substr(4, 2)).append(1, '-').append(text.substr(6));
 }
 
 void ReadMoment(std::string_view text, FieldValue& value) {

@@ -6,7 +6,12 @@
 
 namespace {
 
-std::vector<std::string> ExtraListChoices() { return {"processes", "environment", "modes"}; }
+std::vector<std::string> ExtraListChoices() {
+  std::vector<std::string> names;
+  for (const RecordTable& table : RecordTables())
+    if (table.extra) names.emplace_back(table.name);
+  return names;
+}
 
 int RunRecords(const Arguments& arguments) {
   RecordOptions options;

@@ -34,10 +34,11 @@ CREATE TABLE macs (
   `printers` Array(Tuple(`name` Nullable(String), `is_default` Nullable(Bool), `status` Nullable(String), `multi_function` Nullable(Bool), `fax` Nullable(Bool), `driver_version` Nullable(String), `print_server` Nullable(String), `uri` Nullable(String), `ppd` Nullable(String), `ppd_version` Nullable(String), `scanner_uuid` Nullable(String), `scanner_app_path` Nullable(String))),
   `scanners` Array(Tuple(`name` Nullable(String), `uuid` Nullable(String), `app_path` Nullable(String), `app_version` Nullable(String))),
   `users` Array(Tuple(`name` Nullable(String), `full_name` Nullable(String), `user_id` Nullable(Int64), `group_id` Nullable(Int64), `shell` Nullable(String), `home` Nullable(String))),
-  `software` Array(Tuple(`name` Nullable(String), `version` Nullable(String), `path` Nullable(String), `modified_on` Nullable(Date32), `app_store` Nullable(Bool), `runtime` Nullable(String), `is_64bit` Nullable(Bool), `info` Nullable(String))),
+  `software` Array(Tuple(`name` Nullable(String), `version` Nullable(String), `path` Nullable(String), `modified` Nullable(Date32), `app_store` Nullable(Bool), `arch` Nullable(String), `is_64bit` Nullable(Bool))),
   `libraries` Array(Tuple(`name` Nullable(String), `version` Nullable(String), `path` Nullable(String), `kind` Nullable(String), `description` Nullable(String))),
   `power_profiles` Array(Tuple(`name` Nullable(String), `system_sleep_minutes` Nullable(Int64), `disk_sleep_minutes` Nullable(Int64), `display_sleep_minutes` Nullable(Int64), `sleep_on_power_button` Nullable(Bool), `restart_on_power_loss` Nullable(Bool), `wake_on_lan` Nullable(Bool), `wake_on_ac_change` Nullable(Bool), `wake_on_clamshell_open` Nullable(Bool), `reduce_brightness` Nullable(Bool), `display_sleep_uses_dim` Nullable(Bool))),
   `processes` Array(Tuple(`pid` Nullable(Int64), `parent_pid` Nullable(Int64), `name` Nullable(String), `user_name` Nullable(String), `command` Nullable(String))),
+  `software_info` Array(Tuple(`software` Nullable(Int64), `info` Nullable(String))),
   `environment` Array(Tuple(`name` Nullable(String), `value` Nullable(String)))
 ) ENGINE = MergeTree ORDER BY (assumeNotNull(mac_key), assumeNotNull(scanned_at))
 SETTINGS allow_nullable_key = 1;

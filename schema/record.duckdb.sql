@@ -36,9 +36,10 @@ CREATE VIEW macs AS SELECT * FROM read_json('fleet.jsonl', format = 'newline_del
   'printers': 'STRUCT("name" VARCHAR, "is_default" BOOLEAN, "status" VARCHAR, "multi_function" BOOLEAN, "fax" BOOLEAN, "driver_version" VARCHAR, "print_server" VARCHAR, "uri" VARCHAR, "ppd" VARCHAR, "ppd_version" VARCHAR, "scanner_uuid" VARCHAR, "scanner_app_path" VARCHAR)[]',
   'scanners': 'STRUCT("name" VARCHAR, "uuid" VARCHAR, "app_path" VARCHAR, "app_version" VARCHAR)[]',
   'users': 'STRUCT("name" VARCHAR, "full_name" VARCHAR, "user_id" BIGINT, "group_id" BIGINT, "shell" VARCHAR, "home" VARCHAR)[]',
-  'software': 'STRUCT("name" VARCHAR, "version" VARCHAR, "path" VARCHAR, "modified_on" DATE, "app_store" BOOLEAN, "runtime" VARCHAR, "is_64bit" BOOLEAN, "info" VARCHAR)[]',
+  'software': 'STRUCT("name" VARCHAR, "version" VARCHAR, "path" VARCHAR, "modified" DATE, "app_store" BOOLEAN, "arch" VARCHAR, "is_64bit" BOOLEAN)[]',
   'libraries': 'STRUCT("name" VARCHAR, "version" VARCHAR, "path" VARCHAR, "kind" VARCHAR, "description" VARCHAR)[]',
   'power_profiles': 'STRUCT("name" VARCHAR, "system_sleep_minutes" BIGINT, "disk_sleep_minutes" BIGINT, "display_sleep_minutes" BIGINT, "sleep_on_power_button" BOOLEAN, "restart_on_power_loss" BOOLEAN, "wake_on_lan" BOOLEAN, "wake_on_ac_change" BOOLEAN, "wake_on_clamshell_open" BOOLEAN, "reduce_brightness" BOOLEAN, "display_sleep_uses_dim" BOOLEAN)[]',
   'processes': 'STRUCT("pid" BIGINT, "parent_pid" BIGINT, "name" VARCHAR, "user_name" VARCHAR, "command" VARCHAR)[]',
+  'software_info': 'STRUCT("software" BIGINT, "info" VARCHAR)[]',
   'environment': 'STRUCT("name" VARCHAR, "value" VARCHAR)[]'
 });

@@ -35,9 +35,10 @@ CREATE TABLE macs (
   `printers` ARRAY<STRUCT<`name`: STRING, `is_default`: BOOLEAN, `status`: STRING, `multi_function`: BOOLEAN, `fax`: BOOLEAN, `driver_version`: STRING, `print_server`: STRING, `uri`: STRING, `ppd`: STRING, `ppd_version`: STRING, `scanner_uuid`: STRING, `scanner_app_path`: STRING>>,
   `scanners` ARRAY<STRUCT<`name`: STRING, `uuid`: STRING, `app_path`: STRING, `app_version`: STRING>>,
   `users` ARRAY<STRUCT<`name`: STRING, `full_name`: STRING, `user_id`: BIGINT, `group_id`: BIGINT, `shell`: STRING, `home`: STRING>>,
-  `software` ARRAY<STRUCT<`name`: STRING, `version`: STRING, `path`: STRING, `modified_on`: DATE, `app_store`: BOOLEAN, `runtime`: STRING, `is_64bit`: BOOLEAN, `info`: STRING>>,
+  `software` ARRAY<STRUCT<`name`: STRING, `version`: STRING, `path`: STRING, `modified`: DATE, `app_store`: BOOLEAN, `arch`: STRING, `is_64bit`: BOOLEAN>>,
   `libraries` ARRAY<STRUCT<`name`: STRING, `version`: STRING, `path`: STRING, `kind`: STRING, `description`: STRING>>,
   `power_profiles` ARRAY<STRUCT<`name`: STRING, `system_sleep_minutes`: BIGINT, `disk_sleep_minutes`: BIGINT, `display_sleep_minutes`: BIGINT, `sleep_on_power_button`: BOOLEAN, `restart_on_power_loss`: BOOLEAN, `wake_on_lan`: BOOLEAN, `wake_on_ac_change`: BOOLEAN, `wake_on_clamshell_open`: BOOLEAN, `reduce_brightness`: BOOLEAN, `display_sleep_uses_dim`: BOOLEAN>>,
   `processes` ARRAY<STRUCT<`pid`: BIGINT, `parent_pid`: BIGINT, `name`: STRING, `user_name`: STRING, `command`: STRING>>,
+  `software_info` ARRAY<STRUCT<`software`: BIGINT, `info`: STRING>>,
   `environment` ARRAY<STRUCT<`name`: STRING, `value`: STRING>>
 ) USING json OPTIONS (path 'fleet.jsonl', timestampFormat "yyyy-MM-dd'T'HH:mm:ssX");

@@ -35,9 +35,10 @@ CREATE TABLE macs (
   "printers" ARRAY(ROW("name" VARCHAR, "is_default" BOOLEAN, "status" VARCHAR, "multi_function" BOOLEAN, "fax" BOOLEAN, "driver_version" VARCHAR, "print_server" VARCHAR, "uri" VARCHAR, "ppd" VARCHAR, "ppd_version" VARCHAR, "scanner_uuid" VARCHAR, "scanner_app_path" VARCHAR)),
   "scanners" ARRAY(ROW("name" VARCHAR, "uuid" VARCHAR, "app_path" VARCHAR, "app_version" VARCHAR)),
   "users" ARRAY(ROW("name" VARCHAR, "full_name" VARCHAR, "user_id" BIGINT, "group_id" BIGINT, "shell" VARCHAR, "home" VARCHAR)),
-  "software" ARRAY(ROW("name" VARCHAR, "version" VARCHAR, "path" VARCHAR, "modified_on" VARCHAR, "app_store" BOOLEAN, "runtime" VARCHAR, "is_64bit" BOOLEAN, "info" VARCHAR)),
+  "software" ARRAY(ROW("name" VARCHAR, "version" VARCHAR, "path" VARCHAR, "modified" VARCHAR, "app_store" BOOLEAN, "arch" VARCHAR, "is_64bit" BOOLEAN)),
   "libraries" ARRAY(ROW("name" VARCHAR, "version" VARCHAR, "path" VARCHAR, "kind" VARCHAR, "description" VARCHAR)),
   "power_profiles" ARRAY(ROW("name" VARCHAR, "system_sleep_minutes" BIGINT, "disk_sleep_minutes" BIGINT, "display_sleep_minutes" BIGINT, "sleep_on_power_button" BOOLEAN, "restart_on_power_loss" BOOLEAN, "wake_on_lan" BOOLEAN, "wake_on_ac_change" BOOLEAN, "wake_on_clamshell_open" BOOLEAN, "reduce_brightness" BOOLEAN, "display_sleep_uses_dim" BOOLEAN)),
   "processes" ARRAY(ROW("pid" BIGINT, "parent_pid" BIGINT, "name" VARCHAR, "user_name" VARCHAR, "command" VARCHAR)),
+  "software_info" ARRAY(ROW("software" BIGINT, "info" VARCHAR)),
   "environment" ARRAY(ROW("name" VARCHAR, "value" VARCHAR))
 ) WITH (format = 'JSON', external_location = 's3://BUCKET/fleet/');
