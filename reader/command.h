@@ -61,10 +61,12 @@ struct Word {
   Choices choices = nullptr;
 };
 
+constexpr std::size_t kNoFiles = static_cast<std::size_t>(-1);
+
 struct Command {
   const char* name;
   int (*run)(const Arguments& arguments);
-  std::size_t files;  // how many names of files it takes; 0 for any number
+  std::size_t files;  // how many names of files it takes; 0 for any number, kNoFiles for none
   const char* description;
   const char* footer;  // examples, and what else its help says
   std::vector<Option> options;

@@ -62,6 +62,7 @@ void AddWord(CLI::App& app, const Command& command, Arguments& arguments) {
 }
 
 void AddFiles(CLI::App& app, const Command& command, Arguments& arguments) {
+  if (command.files == kNoFiles) return;
   if (command.files == 1) {  // a list of one would take the word behind it, too
     const auto take = [&arguments](const std::string& file) { arguments.files = {file}; };
     app.add_option_function<std::string>("FILE", take, "An INV file, or - for standard input");
@@ -76,6 +77,7 @@ void AddCommand(CLI::App& app, const Command& command, Arguments& arguments) {
   AddFiles(app, command, arguments);
   if (command.word.place == Word::Place::AfterFiles) AddWord(app, command, arguments);
   for (const Option& option : command.options) AddOption(app, option, arguments);
+  if (command.files == kNoFiles) return;
   for (const Option& option : CommonOptions()) AddOption(app, option, arguments);
 }
 
@@ -87,8 +89,8 @@ int RunCommand(const Command& command, Arguments& arguments) {
     arguments.files.clear();
   }
   // A command that begins with a word and does not need it does not need files without it.
-  const bool needsFiles =
-      !arguments.word.empty() || command.word.place != Word::Place::BeforeFiles || command.word.required;
+  const bool needsFiles = command.files != kNoFiles && (!arguments.word.empty() || command.word.required ||
+                                                        command.word.place != Word::Place::BeforeFiles);
   if (needsFiles && arguments.files.empty() && arguments.filesFrom.empty()) {
     Complain(command.name, "no file is given (see quillinv " + std::string(command.name) + " --help)");
     return kTrouble;

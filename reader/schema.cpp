@@ -29,7 +29,7 @@ int RunSchema(const Arguments& arguments) {
 const Command kSchemaCommand = {
     "schema",
     RunSchema,
-    0,
+    kNoFiles,
     "Write what the records look like: as JSON Schema, as the reference in Markdown, or as the table of a database.",
     "It reads no file.\n\nExamples:\n  quillinv schema > record.schema.json\n  duckdb -init schema/record.duckdb.sql",
     {},

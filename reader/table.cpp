@@ -26,14 +26,15 @@ RecordRow RowFor(const RecordColumn& column, const RecordTable& table, const Rec
   return column.table == &table ? row : RecordRow{row.source};
 }
 
-std::string CsvRowText(const RecordTable& table, const std::vector<RecordColumn>& columns, const RecordRow& row) {
+std::string CsvRowText(const RecordTable& table, const std::vector<RecordColumn>& columns, const RecordRow& row,
+                       bool safe) {
   std::vector<std::string> texts;
   FieldValue value;
   for (const RecordColumn& column : columns) {
     ReadField(*column.field, RowFor(column, table, row), value);
     texts.push_back(ValueText(column.field->type, value));
   }
-  return CsvLine(texts);
+  return CsvLine(texts, safe);
 }
 
 std::string JsonRowText(const RecordTable& table, const std::vector<RecordColumn>& columns, const RecordRow& row) {
@@ -60,11 +61,11 @@ int RunTable(const Arguments& arguments) {
     return kTrouble;
   }
   const std::vector<RecordColumn> columns = ColumnsOf(*table);
-  if (!arguments.json) Write(Header(columns));
+  if (!arguments.json && !arguments.noHeader) Write(Header(columns));
   return ForEachFile(arguments, [&](const Document& document, std::string& out, std::string&) {
     const RecordSource source = SourceOf(document);
     for (const RecordRow& row : RowsOf(*table, source))
-      out += arguments.json ? JsonRowText(*table, columns, row) : CsvRowText(*table, columns, row);
+      out += arguments.json ? JsonRowText(*table, columns, row) : CsvRowText(*table, columns, row, arguments.safeCsv);
     return true;
   });
 }
@@ -79,5 +80,6 @@ const Command kTableCommand = {
     "mac_key, computer_name and scanned_at stand in front of every row. A missing value is an empty field.\n\n"
     "Examples:\n  quillinv table\n  quillinv table software *.inv > software.csv\n"
     "  quillinv table volumes --json *.inv | jq 'select(.free_percent < 10)'",
-    {{"--json", &Arguments::json, "One line of JSON for each row, typed as in the record"}},
+    {{"--json", &Arguments::json, "One line of JSON for each row, typed as in the record"},
+     {"--safe-csv", &Arguments::safeCsv, kSafeCsvHelp}},
     {Word::Place::BeforeFiles, "NAME", "Which list", false, TableNames}};
