@@ -46,7 +46,7 @@ constexpr RecordField Coded(RecordField field, const FieldCode (&codes)[N]) {
   return field;
 }
 
-constexpr std::int64_t kKibibyte = 1024, kMebibyte = 1024 * 1024;
+constexpr std::int64_t kKibibyte = 1024, kMebibyte = kKibibyte * kKibibyte;
 
 // The tables of a subject, in the order of the record.
 void AddMacTables(std::vector<RecordTable>& tables);
