@@ -56,6 +56,17 @@ def common(known):
     return [[name, str(count)] for name, count in counts.items() if count > 100]
 
 
+def changed(known):
+    """[[name, difference, ...]] of each Mac that was scanned in both weeks."""
+    weeks = [{mac["key"]: mac for mac in newest([m for m in known if m["file"].startswith(week)]) if mac["key"]} for week in ("before", "now")]
+    rows = []
+    for key, mac in weeks[0].items():
+        old, new = mac["software"][0][1], weeks[1][key]["software"][0][1]
+        rows.append([weeks[1][key]["computer_name"], f"! Snapshot/Software/Soft:Firefox {old}/version: {old} -> {new}",
+                     "+ Snapshot/Software/Soft:Safari 9.1.2: Safari"])
+    return rows
+
+
 def system(mac):
     return "macOS 12.6" if mac["version"].startswith("S ") else mac["os"]
 
@@ -74,6 +85,7 @@ ANSWERS = {  # heading: the rows of the answer
     "Where is a memory slot free?": free_slots,
     "Which serial numbers are there twice?": duplicates,
     "Which software is on more than 100 Macs?": common,
+    "What changed since last week?": changed,
     "How many Macs have which system?": lambda known: [[name, str(count)] for name, count in collections.Counter(map(system, newest(known))).items()],
 }
 
@@ -93,12 +105,15 @@ class Fleet(unittest.TestCase):
             env = dict(os.environ, PATH=f"{folder}/bin:{BUILD}:{os.environ['PATH']}", QUILL_DUCKDB=DUCKDB)
             for heading, command in blocks():
                 done = subprocess.run(["sh", "-c", command], cwd=folder, env=env, capture_output=True)
-                complaints = [line for line in done.stderr.decode().splitlines() if not re.match("quillinv: fleet/now/damaged_", line)]
+                complaints = [line for line in done.stderr.decode().splitlines() if not re.match("quillinv: fleet/now/damaged_|.*does not tell which Mac", line)]
                 self.assertEqual((complaints, done.returncode in (0, 1, 2)), ([], True), (heading, command, done))
                 yield heading, done.stdout.decode(), known
 
     def rows(self, heading, text):
         """Lines of tab-separated values, or CSV behind a header."""
+        if heading.startswith("What changed"):
+            return [[re.search(r"\((.*)\)$", block.split("\n")[0])[1]] + re.findall("^[!+] .*$", block, re.M)
+                    for block in text.split("\n=== ")[1:]]
         if "\t" in text and not text.startswith(("computer_name", "serial_number", "name")):
             return [line.split("\t") for line in text.splitlines()]
         return list(csv.reader(io.StringIO(text, newline="")))[1:]
