@@ -48,9 +48,9 @@ constexpr RecordField kDiskFields[] = {
 constexpr RecordField kVolumeFields[] = {
     By(Field(kInteger, "volume", "", "The volume's place in this list, from 0", nullptr), ReadPlace),
     By(Field(kInteger, "disk", "",
-             "Its disk's place in `disks`: the disks' `partitions`, one after the other, are the "
-             "volumes",
-             "the disks' `partitions` do not add up to the volumes"),
+             "Its disk's place in `disks`: the first volumes are those that the fixed disks count as `partitions`, one "
+             "disk after the other, and the last those of the removable ones",
+             "no disk counts it, or the counts make no sense"),
        ReadHolder),
     Field(kText, "name", "=", "The volume's name", "it has none"),
     Field(kText, "bsd_name", "bsd-name", "The device, such as `disk2s1`", "not on a USB disk"),
@@ -67,25 +67,35 @@ constexpr RecordField kVolumeFields[] = {
        ReadTrueOrNull),
 };
 
-std::int64_t PartitionsOf(const Tag& disk) {
-  return WholeNumber(TextOf(FindAttribute(disk, "partitions"))).value_or(0);
+bool IsRemovable(const Tag& disk) { return std::string_view(disk.name).substr(0, 10) == "Removable:"; }
+
+// How many of the volumes are the disk's.
+std::size_t VolumesOf(const Tag& disk, std::size_t most) {
+  const std::int64_t count = WholeNumber(TextOf(FindAttribute(disk, "partitions"))).value_or(0);
+  return count < 0 || static_cast<std::uint64_t>(count) > most ? most + 1 : static_cast<std::size_t>(count);
 }
 
-// The volumes in their order, each with its disk where the disks' counts of partitions add up to them.
+// The first volumes are those of the fixed disks, the last those of the removable ones; between them may stand volumes
+// that no disk counts. Without sense in the counts no volume has a disk.
+void AssignDisks(const Tag& disks, std::vector<RecordRow>& rows) {
+  std::size_t next[2] = {};  // of the fixed disks, of the removable ones
+  for (const auto& disk : disks.children) next[IsRemovable(*disk) ? 1 : 0] += VolumesOf(*disk, rows.size());
+  if (next[0] + next[1] > rows.size()) return;
+  next[1] = rows.size() - next[1];
+  next[0] = 0;
+  for (std::size_t i = 0; i < disks.children.size(); ++i) {
+    const Tag& disk = *disks.children[i];
+    for (std::size_t left = VolumesOf(disk, rows.size()); left > 0; --left)
+      rows[next[IsRemovable(disk) ? 1 : 0]++].holder = static_cast<std::int64_t>(i);
+  }
+}
+
 void VolumeRows(const RecordSource& source, std::vector<RecordRow>& rows) {
   const Tag* volumes = FindTag(source.snapshot, "Storage/Logical-disks");
   if (!volumes) return;
   for (const auto& volume : volumes->children)
     rows.push_back({&source, volume.get(), static_cast<std::int64_t>(rows.size())});
-  const Tag* disks = FindTag(source.snapshot, "Storage/Physical-disks");
-  if (!disks) return;
-  std::vector<std::int64_t> holders;
-  for (std::size_t disk = 0; disk < disks->children.size(); ++disk) {
-    const std::int64_t count = PartitionsOf(*disks->children[disk]);
-    if (count < 0 || static_cast<std::uint64_t>(count) > rows.size() - holders.size()) return;
-    holders.insert(holders.end(), static_cast<std::size_t>(count), static_cast<std::int64_t>(disk));
-  }
-  for (std::size_t i = 0; holders.size() == rows.size() && i < rows.size(); ++i) rows[i].holder = holders[i];
+  if (const Tag* disks = FindTag(source.snapshot, "Storage/Physical-disks")) AssignDisks(*disks, rows);
 }
 
 }  // namespace
