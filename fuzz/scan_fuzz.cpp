@@ -1,6 +1,7 @@
 // A profiler document and the answers of the other tools, through every builder to the texts of both trees.
 #include "fuzz/fuzz.h"
 #include "fuzz/stand_ins.h"
+#include "main/collect/asset_summary.h"
 #include "main/collect/host_identity.h"
 #include "main/collect/modern_keys.h"
 #include "main/collect/plist_reader.h"
@@ -16,12 +17,12 @@ void Check(const std::string& input) {
   AssetSummary summary;
   CollectAssetSummary(list, summary);
   AssetIdentity asset;
-  asset.macAddress = LookupNetworkIdentity(list, asset.currentIp).macAddress;
+  LookupNetworkIdentity(list, asset);
   asset.serialNumber = ReadSerialNumber(list);
   TagTree rawTree = CreateTree(true, "Macintosh"), inventoryTree = CreateTree(true, "Snapshot");
   EnterProfilerData(list, rawTree);
   CollectProcesses(rawTree);
   PostProcess(inventoryTree, rawTree, false);
   CheckText(TextOfTree(inventoryTree));
-  CheckText(TextOfTree(BuildAssetInfo(ScanSettings(), inventoryTree, MakeTimestamp(DateForm::Full), summary, asset)));
+  CheckText(TextOfTree(BuildAssetInfo(true, inventoryTree, MakeTimestamp(DateForm::Full), summary, asset)));
 }

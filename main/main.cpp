@@ -18,7 +18,7 @@ constexpr int kStatusPanic = 2;
 
 // A standard stream that the caller closed would lend its number to the next file opened, the result included.
 void OpenStandardStreams() {
-  for (int fd = 0; fd <= 2; ++fd)
+  for (int fd = STDIN_FILENO; fd <= STDERR_FILENO; ++fd)
     if (fcntl(fd, F_GETFD) == -1 && errno == EBADF) open("/dev/null", O_RDWR);
 }
 

@@ -14,6 +14,9 @@ bool StartsWithEither(std::string_view argument, std::string_view prefix) {
   return IsEither(argument.substr(0, prefix.size() + 1), prefix);
 }
 
+// What stands behind the first `mark`; the argument has one.
+std::string_view Behind(std::string_view argument, char mark) { return argument.substr(argument.find(mark) + 1); }
+
 void SilenceStandardStreams() {
   if (!std::freopen("/dev/null", "r", stdin)) std::fclose(stdin);
   if (!std::freopen("/dev/null", "w", stderr)) std::fclose(stderr);
@@ -26,13 +29,13 @@ void ReadOption(std::string_view argument, Options& options) {
     SilenceStandardStreams();
     options.silent = true;
   } else if (StartsWithEither(argument, "ip:")) {
-    options.currentIp = argument.substr(4);
+    options.currentIp = Behind(argument, ':');
   } else if (IsEither(argument, "log")) {
     options.settings.log = true;
   } else if (IsEither(argument, "modern")) {
     options.settings.modern = true;
   } else if (StartsWithEither(argument, "login:")) {
-    options.login = argument.substr(argument.find(':') + 1);
+    options.login = Behind(argument, ':');
   } else if (IsEither(argument, "debug")) {
     options.debug = true;
   }
@@ -65,7 +68,7 @@ Answer AskToStart() {
   std::printf("Quillon scanner for MacOS X (version %s)\nDo you want to start the scan of local computer?(y/n)\n",
               kAgentVersion);
   std::fflush(stdout);
-  char word[128] = "";
+  char word[128] = "";  // room for the width below and a zero byte
   if (std::scanf("%127s", word) != 1) return Answer::Other;
   const std::string_view answer = word;
   if (answer == "y") return Answer::Yes;

@@ -37,11 +37,12 @@ static_assert(sizeof kBuilders / sizeof kBuilders[0] == 15);
 
 void PostProcess(TagTree& inventoryTree, const TagTree& rawTree, bool log) {
   if (log) LogLine("IV. PostProcess>>>\n");
-  int step = 0;
+  int step = 1;
   for (const Builder build : kBuilders) {
-    if (log) LogLine("%d...", ++step);
+    if (log) LogLine("%d...", step);
     build(inventoryTree, rawTree);
     if (log) LogLine("done\n");
+    ++step;
   }
   if (log) LogLine("IV. PostProcess End.\n");
 }

@@ -33,8 +33,8 @@ std::string AddressPart(std::string macAddress) {
 
 }  // namespace
 
-ResultPath ChooseResultPath(const std::string& computerName, const std::string& macAddress) {
-  const std::string name = NamePart(computerName), address = AddressPart(macAddress);
+ResultPath ChooseResultPath(const AssetIdentity& identity) {
+  const std::string name = NamePart(NameOf(identity)), address = AddressPart(identity.macAddress);
   const std::string directory = WorkingDirectory();
   ResultPath path;
   path.name = name + "_" + address + ".inv";

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "zxml/INVfile.h"
+#include "zxml/asset_info.h"
 
 struct ResultPath {
   std::string name;  // the file's name alone
@@ -11,7 +12,7 @@ struct ResultPath {
 };
 
 // The first free name for a computer's result in the working directory: NAME_MAC.inv, NAME_MAC(1).inv, ...
-ResultPath ChooseResultPath(const std::string& computerName, const std::string& macAddress);
+ResultPath ChooseResultPath(const AssetIdentity& identity);
 
 // Saves the container there and says so, or that it could not be done.
 void SaveResult(InvFile& inv, const ResultPath& path, bool silent);

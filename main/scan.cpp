@@ -2,9 +2,11 @@
 #include "main/scan.h"
 
 #include <cstdint>
-#include <cstdio>
 #include <ctime>
+#include <string>
+#include <utility>
 
+#include "main/collect/asset_summary.h"
 #include "main/collect/host_identity.h"
 #include "main/collect/modern_keys.h"
 #include "main/collect/plist_reader.h"
@@ -20,11 +22,12 @@
 
 namespace {
 
-// What a normal scan gathers on its way to the two trees.
+constexpr std::int64_t kMillisecondsPerSecond = 1000;
+
+// What a scan gathers on its way to the two trees.
 struct Findings {
   AssetSummary summary;
-  NetworkIdentity network;
-  AssetIdentity asset;
+  AssetIdentity identity;
   std::string timestamp;
 };
 
@@ -33,7 +36,7 @@ void Log(const ScanSettings& settings, const char* text) {
 }
 
 // Phases I to III: the raw tree, and what the property list says that the raw tree does not.
-TagTree Collect(const ScanSettings& settings, bool silent, const std::string& currentIp, Findings& findings) {
+TagTree Collect(const ScanSettings& settings, bool silent, Findings& findings) {
   Log(settings, "I. Collecting Data....\n");
   std::string document = CollectProfilerData(silent);
   Log(settings, "done\n");
@@ -47,10 +50,9 @@ TagTree Collect(const ScanSettings& settings, bool silent, const std::string& cu
   Log(settings, "done\n");
 
   Log(settings, "III. Get Data For AssetInfo....");
-  findings.asset.currentIp = currentIp;
-  findings.network = LookupNetworkIdentity(list, findings.asset.currentIp);
+  LookupNetworkIdentity(list, findings.identity);
   Log(settings, "33% ");
-  findings.asset.serialNumber = ReadSerialNumber(list);
+  findings.identity.serialNumber = ReadSerialNumber(list);
   Log(settings, "66% ");
   list = PropertyList();
   CollectProcesses(rawTree);
@@ -63,14 +65,14 @@ void SetHeader(TagTree& inventoryTree, const Findings& findings, std::int64_t se
     SetAttributeByPath(inventoryTree, path, MakeTextValue(text));
   };
   setText("/timestamp", findings.timestamp);
-  SetAttributeByPath(inventoryTree, "/scan-time", MakeIntValue(seconds * 1000));
+  SetAttributeByPath(inventoryTree, "/scan-time", MakeIntValue(seconds * kMillisecondsPerSecond));
   setText("/client-version", kClientVersion);
   setText("/scan-subtype", "sstService");
   setText("/snaptype", "mac:1");
-  setText("/hostname", findings.network.netBiosName);
-  setText("/domain", findings.network.workgroup);
+  setText("/hostname", findings.identity.netBiosName);
+  setText("/domain", findings.identity.workgroup);
   setText("/user-name", findings.summary.userName);
-  setText("/ip-address", findings.asset.currentIp);
+  setText("/ip-address", findings.identity.currentIp);
 }
 
 // Phase IV: every section of the inventory, then the header.
@@ -78,21 +80,17 @@ TagTree BuildInventory(const ScanSettings& settings, const TagTree& rawTree, std
   TagTree inventoryTree = CreateTree(settings.saveFlag, "Snapshot");
   PostProcess(inventoryTree, rawTree, settings.log);
   const std::time_t end = std::time(nullptr);
-  findings.asset.computerName = ComputerName();
+  findings.identity.computerName = ComputerName();
   findings.timestamp = MakeTimestamp(DateForm::Full);
   SetHeader(inventoryTree, findings, static_cast<std::int64_t>(end - start));
   return inventoryTree;
 }
 
 // Phase V: the container with both trees.
-InvFile Pack(const ScanSettings& settings, TagTree inventoryTree, Findings& findings, const std::string& login) {
+InvFile Pack(const ScanSettings& settings, TagTree inventoryTree, const Findings& findings) {
   Log(settings, "V. Creating AssetInfo Section....");
-  findings.asset.workgroup = findings.network.workgroup;
-  findings.asset.netBiosName = findings.network.netBiosName;
-  findings.asset.macAddress = findings.network.macAddress;
-  findings.asset.manual = findings.network.manual;
-  findings.asset.login = login;
-  TagTree assetInfo = BuildAssetInfo(settings, inventoryTree, findings.timestamp, findings.summary, findings.asset);
+  TagTree assetInfo =
+      BuildAssetInfo(settings.saveFlag, inventoryTree, findings.timestamp, findings.summary, findings.identity);
   Log(settings, "done\n");
   InvFile inv = InitInvFile(settings.saveFlag);
   AddTreeSection(inv, std::move(inventoryTree), InvSectionType::Snapshot, false, true);
@@ -100,22 +98,18 @@ InvFile Pack(const ScanSettings& settings, TagTree inventoryTree, Findings& find
   return inv;
 }
 
-const std::string& FileNameSource(const NetworkIdentity& network, const std::string& computerName) {
-  return network.netBiosName.empty() ? computerName : network.netBiosName;
-}
-
-void NormalScan(const ScanSettings& settings, bool silent, const std::string& currentIp, const std::string& login) {
+void NormalScan(const ScanSettings& settings, bool silent, AssetIdentity identity) {
   const std::time_t start = std::time(nullptr);
   if (settings.log) LogLine("Agent version: %s\n", kAgentVersion);
   Log(settings, "------Start Log------\n");
   Findings findings;
-  const TagTree rawTree = Collect(settings, silent, currentIp, findings);
+  findings.identity = std::move(identity);
+  const TagTree rawTree = Collect(settings, silent, findings);
   TagTree inventoryTree = BuildInventory(settings, rawTree, start, findings);
-  InvFile inv = Pack(settings, std::move(inventoryTree), findings, login);
+  InvFile inv = Pack(settings, std::move(inventoryTree), findings);
 
   Log(settings, "VI. Generating File name....");
-  const ResultPath path =
-      ChooseResultPath(FileNameSource(findings.network, findings.asset.computerName), findings.network.macAddress);
+  const ResultPath path = ChooseResultPath(findings.identity);
   Log(settings, "done\n");
   Log(settings, "VII. Saving to file....");
   SaveResult(inv, path, silent);
@@ -123,24 +117,30 @@ void NormalScan(const ScanSettings& settings, bool silent, const std::string& cu
   Log(settings, "------End Log------\n");
 }
 
-void DebugScan(const ScanSettings& settings, bool silent, std::string currentIp) {
+void DebugScan(const ScanSettings& settings, bool silent, AssetIdentity identity) {
   const std::string rawOutput = RunWholeProfiler();
   PropertyList list = ParsePropertyList(rawOutput);
   if (settings.modern) AddOlderKeys(list);
-  const NetworkIdentity network = LookupNetworkIdentity(list, currentIp);
+  LookupNetworkIdentity(list, identity);
+  identity.computerName = ComputerName();
   InvFile inv = InitInvFile(settings.saveFlag);
-  const std::string computerName = ComputerName();
-  const std::string& name = FileNameSource(network, computerName);
-  AddDebugSections(inv, name, currentIp, network.macAddress, network.manual, rawOutput, MakeTimestamp(DateForm::Full));
-  SaveResult(inv, ChooseResultPath(name, network.macAddress), silent);
+  AddTreeSection(inv, BuildDebugAssetInfo(settings.saveFlag, MakeTimestamp(DateForm::Full), identity),
+                 InvSectionType::AssetInfo, false, true);
+  AddRawSection(inv, InvCompress(rawOutput));
+  inv.hasRawData = true;
+  SaveResult(inv, ChooseResultPath(identity), silent);
 }
 
 }  // namespace
 
-void Scan(const ScanSettings& settings, bool silent, bool debug, std::string currentIp, const std::string& login) {
+void Scan(const ScanSettings& settings, bool silent, bool debug, const std::string& currentIp,
+          const std::string& login) {
   if (settings.cancelled) return;
+  AssetIdentity identity;
+  identity.currentIp = currentIp;
+  identity.login = login;
   if (debug)
-    DebugScan(settings, silent, std::move(currentIp));
+    DebugScan(settings, silent, std::move(identity));
   else
-    NormalScan(settings, silent, currentIp, login);
+    NormalScan(settings, silent, std::move(identity));
 }

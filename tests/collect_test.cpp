@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <fstream>
 
+#include "main/collect/asset_summary.h"
 #include "main/collect/command_runner.h"
 #include "main/collect/host_identity.h"
 #include "main/collect/plist_reader.h"
@@ -12,6 +13,7 @@
 #include "main/collect/profiler.h"
 #include "main/console/console_log.h"
 #include "main/console/panic_log.h"
+#include "main/result_file.h"
 #include "platform/platform.h"
 #include "tests/support.h"
 
@@ -79,9 +81,13 @@ TEST(Profiler, PiecesAtTheLimitsOfTheFrame) {
     SCOPED_TRACE(c.size);
     tools.Add("system_profiler",
               "[ \"$*\" = '-detailLevel full -xml T' ] && head -c " + std::to_string(c.size) + " /dev/zero");
-    EXPECT_EQ(RunProfilerType("T", ProfilerPosition::First).size(), c.first);
-    EXPECT_EQ(RunProfilerType("T", ProfilerPosition::Middle).size(), c.middle);
-    EXPECT_EQ(RunProfilerType("T", ProfilerPosition::Last).size(), c.last);
+    std::string document = "x";
+    RunProfilerType("T", ProfilerPosition::First, document);
+    EXPECT_EQ(document.size(), 1 + c.first);
+    RunProfilerType("T", ProfilerPosition::Middle, document);
+    EXPECT_EQ(document.size(), 1 + c.first + c.middle);
+    RunProfilerType("T", ProfilerPosition::Last, document);
+    EXPECT_EQ(document.size(), 1 + c.first + c.middle + c.last);
   }
 }
 
@@ -240,13 +246,29 @@ TEST(Identity, OfTheServiceThatDecides) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.given);
-    std::string ip = c.given;
-    const NetworkIdentity identity = LookupNetworkIdentity(ListOf(c.list), ip);
-    EXPECT_EQ(ip, c.ip);
+    AssetIdentity identity;
+    identity.currentIp = c.given;
+    LookupNetworkIdentity(ListOf(c.list), identity);
+    EXPECT_EQ(identity.currentIp, c.ip);
     EXPECT_EQ(identity.macAddress, c.mac);
     EXPECT_EQ(identity.workgroup, c.workgroup);
     EXPECT_EQ(identity.netBiosName, c.netBios);
     EXPECT_EQ(identity.manual, c.manual);
+  }
+}
+
+TEST(ResultName, IsInCapitalsAndFitForAFile) {
+  const char* cases[][4] = {
+      {"office-Mac", "Büro", "00-1E-C2-AA-BB-CC", "OFFICE-MAC_001EC2AABBCC.inv"},
+      {"", "Anna's i/Mac é", "", "ANNA'S I_MAC é_.inv"},
+      {"", "", "", "_.inv"},
+  };
+  for (const auto& c : cases) {
+    AssetIdentity identity;
+    identity.netBiosName = c[0];
+    identity.computerName = c[1];
+    identity.macAddress = c[2];
+    EXPECT_EQ(ChooseResultPath(identity).name, c[3]);
   }
 }
 
@@ -310,10 +332,31 @@ TEST(Summary, NumbersAndFallbacks) {
                             "r2", "24", "4",    "10.0",         "2.5"};
   for (std::size_t i = 0; i < std::size(expected); ++i) EXPECT_EQ(*fields[i], expected[i]) << i;
 
+  AssetSummary unmarked;
+  CollectAssetSummary(ListOf(DataType("SPDisplaysDataType",
+                                      Dict({"spdisplays_ndrvs", ("<array>" + Dict({"spdisplays_resolution", "r1"}) +
+                                                                 Dict({"spdisplays_resolution", "r2"}) + "</array>")
+                                                                    .c_str()}))),
+                      unmarked);
+  EXPECT_EQ(unmarked.displayResolution, "r1");
+
   AssetSummary empty;
   CollectAssetSummary(PropertyList(), empty);
   EXPECT_EQ(empty.packages + empty.displayDiagonal + empty.systemMaker, "");
   EXPECT_EQ(empty.diskCapacity + empty.volumeCapacity + empty.volumeFree, "00.00.0");
+}
+
+TEST(Summary, MachineModelTellsAVirtualMachine) {
+  const char* cases[][2] = {{"VMware7,1", "nvtVMware"},
+                            {"x VirtualBox", "nvtVirtualBox"},
+                            {"Parallels16,1", "nvtParallels"},
+                            {"iMac9,1", "nvtPhysical"}};
+  for (const auto& c : cases) {
+    AssetSummary summary;
+    summary.machineModel = c[0];
+    const TagTree tree = BuildAssetInfo(true, CreateTree(true, "Snapshot"), "", summary, AssetIdentity());
+    EXPECT_EQ(TextOf(FindAttribute(RootOf(tree), "virtual-type")), c[1]);
+  }
 }
 
 TEST(Processes, SkipTheKernelAndWhoeverIsGone) {

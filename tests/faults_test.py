@@ -119,11 +119,14 @@ attempt("a folder that goes while the scan runs", None, tool='rmdir "$TOP/work" 
 attempt("a computer name of 4 KB", None, files={"computer-name.txt": b"N" * 4096})
 # Standard streams and file descriptors.
 for streams in ("<&-", ">&-", "2>&-", "<&- >&- 2>&-", ">/dev/full", "2>/dev/full"):
-    attempt(f"standard streams {streams}", ALL, f'exec "$AGENT" -silent {streams}')
+    attempt(f"standard streams {streams}", ALL, f'exec "$AGENT" {"-silent" * ("<" in streams)} {streams}',
+            tool="true >&2 || exit")
 attempt("a reader that goes away", ALL, prepare=lambda child: child.stdout.close())
 attempt("no file descriptor left", None, **open_files(3))
 attempt("file descriptors for files but not for tools", {"Processes"}, **open_files(4))
 # Tools.
+got = attempt("a tool that takes its time", ALL, tool='[ "$4" != SPPowerDataType ] || sleep 1')
+expect("scan time in milliseconds", bool(re.search(rb"\nscan-time=[1-9]\d?000\n", got)), True)
 attempt("no tool at all", {"Processes"}, 'PATH=/nowhere exec "$AGENT"')
 attempt("a tool that dies", TOOLS, tool="kill -9 $$")
 attempt("a tool that dies in the middle", TOOLS, tool=f'{ONLY_APPS}{ANSWER}\nhead -c 5000 "$APPS"; kill -9 $$')

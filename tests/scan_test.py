@@ -70,7 +70,7 @@ def check_console(recording, result):
             ([], "y" * 300, PROMPT + "Incorrect input. Application terminated.\n", 1),
             (["-silent"], "", SILENT + f">>>{result}\n", 0),
             (["/silent", "-ip:"], "", SILENT + f">>>{numbered[0]}\n", 0),
-            (["/ip:", "/login:/log"], "y or n", PROMPT + "Scan started...\n" + finished(numbered[1]), 0),
+            (["/ip:", "/login:/log:b"], "y or n", PROMPT + "Scan started...\n" + finished(numbered[1]), 0),
             (["/log"], "y", PROMPT + "Scan started...\n" + LOG + finished(numbered[2]) + LOG_END, 0),
             (["/log", "/silent"], "", None, 0),
             (["/debug", "-log"], "y", PROMPT + "Scan started...\n" + finished(numbered[4]), 0),
@@ -91,10 +91,12 @@ def check_console(recording, result):
         os.remove(os.path.join(folder, result))
         expect("a name that is free again", replay(recording, ["-silent"], folder).stdout.decode(),
                SILENT + f">>>{result}\n")
-        expect("login", b"\nlogin=/log\n" in dict(read_inv(os.path.join(folder, numbered[1])))["assetinfo"], True)
+        expect("login", b"\nlogin=/log:b\n" in dict(read_inv(os.path.join(folder, numbered[1])))["assetinfo"], True)
 
 
 def check_debug(recording):
+    with open(os.path.join(recording, "expected", "assetinfo.zxml"), encoding="utf-8") as file:
+        names = re.search(r"\nhostname=(.*)\n(?:.*\n)*int-name=(.*)\n", file.read()).groups()
     for args in (["/debug", "-silent"], ["-debug", "-silent", "/ip:9.9.9.9"]):
         name, sections, _ = scan(recording, args)
         expect("debug sections", [kind for kind, _ in sections], ["assetinfo", "customdata"])
@@ -110,8 +112,8 @@ def check_debug(recording):
                          r"error-message=Debug scan\n$", text)
         expect("debug tree", bool(lines), True)
         if lines:
-            expect("debug identity", (lines[2] == "9.9.9.9", lines[3] == "", name.endswith("_.inv")),
-                   (not known, not known, not known))
+            expect("debug identity", (lines[1], lines[2] == "9.9.9.9", lines[3] == "", name.endswith("_.inv")),
+                   (names[0 if known else 1], not known, not known, not known))
 
 
 names = sorted(n for n in os.listdir(RECORDINGS) if UPDATE or os.path.isdir(os.path.join(RECORDINGS, n, "expected")))

@@ -86,11 +86,11 @@ void SetControl(TagTree& tree, const TagTree& inventoryTree, const AssetSummary&
   Set(tree, "/control/fw-status", "5");
 }
 
-void SetNames(TagTree& tree, const std::string& hostName, const std::string& currentIp, bool manual,
-              const std::string& computerName) {
-  Set(tree, "/hostname", hostName);
-  Set(tree, "/ip-address", currentIp);
-  Set(tree, "/static-ip", manual ? "1" : "0");
+// `name` is the computer's on the network, `computerName` its own.
+void SetNames(TagTree& tree, const std::string& name, const std::string& computerName, const AssetIdentity& identity) {
+  Set(tree, "/hostname", name);
+  Set(tree, "/ip-address", identity.currentIp);
+  Set(tree, "/static-ip", identity.manual ? "1" : "0");
   Set(tree, "/int-name", computerName);
   Set(tree, "/alias", computerName);
   Set(tree, "/description", "");
@@ -109,10 +109,14 @@ void SetKinds(TagTree& tree, const char* virtualType, const char* scanType, cons
 
 }  // namespace
 
-TagTree BuildAssetInfo(const ScanSettings& settings, const TagTree& inventoryTree, const std::string& timestamp,
+const std::string& NameOf(const AssetIdentity& identity) {
+  return identity.netBiosName.empty() ? identity.computerName : identity.netBiosName;
+}
+
+TagTree BuildAssetInfo(bool saveFlag, const TagTree& inventoryTree, const std::string& timestamp,
                        const AssetSummary& summary, const AssetIdentity& identity) {
-  TagTree tree = CreateTree(settings.saveFlag, "AssetInfo");
-  SetNames(tree, identity.netBiosName, identity.currentIp, identity.manual, identity.computerName);
+  TagTree tree = CreateTree(saveFlag, "AssetInfo");
+  SetNames(tree, identity.netBiosName, identity.computerName, identity);
   Set(tree, "/login", identity.login);
   Set(tree, "/user-name", summary.userName);
   SetKinds(tree, VirtualType(summary.machineModel), "nstSSH", "sstService");
@@ -128,17 +132,13 @@ TagTree BuildAssetInfo(const ScanSettings& settings, const TagTree& inventoryTre
   return tree;
 }
 
-void AddDebugSections(InvFile& inv, const std::string& name, const std::string& currentIp,
-                      const std::string& macAddress, bool manual, const std::string& rawOutput,
-                      const std::string& timestamp) {
-  TagTree tree = CreateTree(inv.littleEndian, "AssetInfo");
-  SetNames(tree, name, currentIp, manual, name);
+TagTree BuildDebugAssetInfo(bool saveFlag, const std::string& timestamp, const AssetIdentity& identity) {
+  TagTree tree = CreateTree(saveFlag, "AssetInfo");
+  SetNames(tree, NameOf(identity), NameOf(identity), identity);
   SetKinds(tree, "nvtPhysical", "nstNone", "sstNone");
   Set(tree, "/scan-attempt", timestamp);
-  Set(tree, "/mac-address", macAddress);
+  Set(tree, "/mac-address", identity.macAddress);
   Set(tree, "/asset-tag", kAssetTag);
   Set(tree, "/error-message", "Debug scan");
-  AddTreeSection(inv, std::move(tree), InvSectionType::AssetInfo, false, true);
-  AddRawSection(inv, InvCompress(rawOutput));
-  inv.hasRawData = true;
+  return tree;
 }

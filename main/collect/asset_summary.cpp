@@ -1,7 +1,13 @@
 // Reads the asset summary from the profiler's property list: one small group of fields a function.
+#include "main/collect/asset_summary.h"
+
+#include <algorithm>
+#include <cfloat>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <optional>
+#include <string>
 
 #include "main/collect/command_runner.h"
 #include "main/collect/host_identity.h"
@@ -29,7 +35,7 @@ std::string Unsigned(double number) { return std::to_string(TruncateToUint32(num
 std::string Megabytes(const std::string& size) { return Unsigned(static_cast<float>(ParseSizeGB(size)) * 1024.0f); }
 
 std::string OneDecimal(double number) {
-  char text[352];
+  char text[DBL_MAX_10_EXP + sizeof "-1.0"];
   std::snprintf(text, sizeof text, "%.1f", number);
   return text;
 }
@@ -42,11 +48,15 @@ std::string ShortUserName(const std::string& userName) {
 }
 
 // deliberate: fixed positions that fit "Mac OS X 10.6.8 (10K549)", whatever the text says
+constexpr std::size_t kVersionAt = 9, kReleaseDigitAt = 12, kUpdateAt = 14;
+
 void SplitSystemVersion(const std::string& version, AssetSummary& summary) {
-  const bool named = version.size() > 12 && version[12] >= '0' && version[12] <= '7';
-  summary.osName = named ? kReleaseNames[static_cast<std::size_t>(version[12] - '0')] : version;
-  if (version.size() >= 14) summary.osUpdate = "Update " + version.substr(14, version.find(' ', 14) - 14);
-  if (version.size() >= 9) summary.osVersion = version.substr(9);
+  const char digit = version.size() > kReleaseDigitAt ? version[kReleaseDigitAt] : '\0';
+  const bool named = digit >= '0' && digit <= '7';
+  summary.osName = named ? kReleaseNames[static_cast<std::size_t>(digit - '0')] : version;
+  if (version.size() >= kUpdateAt)
+    summary.osUpdate = "Update " + version.substr(kUpdateAt, version.find(' ', kUpdateAt) - kUpdateAt);
+  if (version.size() >= kVersionAt) summary.osVersion = version.substr(kVersionAt);
 }
 
 void CollectSoftware(const PropertyList& list, AssetSummary& summary) {
@@ -94,12 +104,15 @@ const PropertyList* MainDisplay(const PropertyList* adapter) {
   return FirstElement(displays);
 }
 
-// Image size in the EDID's bytes 21 and 22, as digits behind "0x"; unreadable digits make both lengths 0.
+// The digits of the EDID's bytes 21 and 22, the image size in centimetres, behind "0x".
+constexpr std::size_t kImageSizeAt = 2 + 2 * 21, kImageSizeDigits = 4;
+
+// Unreadable digits make both lengths 0.
 std::string DiagonalOfEdid(const std::string& edid) {
-  const std::string digits = edid.size() > 44 ? edid.substr(44, 4) : std::string();
+  const std::string digits = edid.size() > kImageSizeAt ? edid.substr(kImageSizeAt, kImageSizeDigits) : std::string();
   unsigned width = 0, height = 0;
-  if (std::sscanf(digits.c_str(), "%2x%2x", &width, &height) != 2) width = height = 0;
-  return Unsigned(static_cast<double>(DiagonalInches(width, height)));
+  const bool readable = std::sscanf(digits.c_str(), "%2x%2x", &width, &height) == 2;
+  return Unsigned(readable ? static_cast<double>(DiagonalInches(width, height)) : 0.0);
 }
 
 void CollectDisplay(const PropertyList& list, AssetSummary& summary) {
@@ -110,8 +123,10 @@ void CollectDisplay(const PropertyList& list, AssetSummary& summary) {
   if (const std::string* edid = FindText(display, "_spdisplays_edid")) summary.displayDiagonal = DiagonalOfEdid(*edid);
 }
 
+constexpr std::int64_t kBytesPerDecimalGB = 1000000000;
+
 struct DiskTotals {
-  std::uint64_t capacity = 0;  // decimal GB
+  std::int64_t capacity = 0;  // decimal GB
   double volumes = 0.0, free = 0.0;
 };
 
@@ -121,8 +136,8 @@ double SizeUnder(const PropertyList* dictionary, const char* key) {
 }
 
 void AddDisk(const PropertyList& device, DiskTotals& totals) {
-  const std::int64_t bytes = TruncateToInt64(SizeUnder(&device, "size") * kBytesPerGB);
-  totals.capacity += static_cast<std::uint64_t>(bytes < 0 ? 0 : bytes) / 1000000000u;
+  if (const std::string* size = FindText(&device, "size"))
+    totals.capacity += std::max<std::int64_t>(ParseSizeBytes(*size), 0) / kBytesPerDecimalGB;
   const PropertyList* volumes = FindKey(&device, "volumes", PropertyListKind::Array);
   if (!volumes) return;
   for (const PropertyList& volume : volumes->items) {

@@ -63,21 +63,19 @@ const PropertyList* FindItems(const PropertyList& list, const char* name) {
   return FindKey(FindDataType(list, name), "_items", PropertyListKind::Array);
 }
 
-NetworkIdentity LookupNetworkIdentity(const PropertyList& list, std::string& currentIp) {
-  NetworkIdentity identity;
-  const PropertyList* service = ChooseService(list, currentIp);
-  if (!service) return identity;
-  currentIp = *FirstAddress(*service);
+void LookupNetworkIdentity(const PropertyList& list, AssetIdentity& identity) {
+  const PropertyList* service = ChooseService(list, identity.currentIp);
+  if (!service) return;
+  identity.currentIp = *FirstAddress(*service);
   identity.manual = TextUnder(FindKey(service, "IPv4"), "ConfigMethod") == "Manual";
   const std::string& hardwareAddress = TextUnder(FindKey(service, "Ethernet"), "MAC Address");
 
   const PropertyList* known = FindLocationService(list, hardwareAddress);
-  if (!known) return identity;
+  if (!known) return;
   const PropertyList* smb = FindKey(known, "SMB");
   identity.macAddress = DashedHardwareAddress(hardwareAddress);
   identity.workgroup = UpperCase(TextUnder(smb, "Workgroup"));
   identity.netBiosName = TextUnder(smb, "NetBIOSName");
-  return identity;
 }
 
 std::string ReadSerialNumber(const PropertyList& list) {

@@ -3,29 +3,19 @@
 
 #include <string>
 
-#include "main/collect/asset_summary.h"
 #include "platform/platform.h"
+#include "zxml/asset_info.h"
 
-// What the network services and locations say. Everything but the flag is empty when it is not found.
-struct NetworkIdentity {
-  std::string workgroup;   // in capitals
-  std::string macAddress;  // "00-1E-C2-AA-BB-CC"; only when a service of the active location has it
-  std::string netBiosName;
-  bool manual = false;  // the address was configured by hand
-};
-
-// The identity behind `currentIp`; when that is empty it is filled with the address of the first "en" interface that
-// has one.
-NetworkIdentity LookupNetworkIdentity(const PropertyList& list, std::string& currentIp);
+// Fills in what the network services and locations say of the computer whose address is `identity.currentIp`: the
+// workgroup, the NetBIOS name, whether the address was configured by hand, and the MAC address, which only a service of
+// the active location has. An empty address is filled with that of the first "en" interface that has one.
+void LookupNetworkIdentity(const PropertyList& list, AssetIdentity& identity);
 
 // The serial number of the hardware data; empty when there is none.
 std::string ReadSerialNumber(const PropertyList& list);
 
 // The time now, by FormatDate.
 std::string MakeTimestamp(DateForm form);
-
-// Fills the summary; runs the platform UUID command.
-void CollectAssetSummary(const PropertyList& list, AssetSummary& summary);
 
 // The first data type of that name. When there is none, the last element of the list, whatever it is; null for an empty
 // list.

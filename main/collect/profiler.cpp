@@ -48,18 +48,6 @@ void AppendUntilOutput(const std::string& command, std::string& output) {
   for (int run = 0; run < kRuns && output.size() == start; ++run) AppendCommandOutput(command, kChunkSize, output);
 }
 
-// Adds one data type's document to `document`, cut so that it fits its place.
-void AppendProfilerType(const char* dataType, ProfilerPosition position, std::string& document) {
-  const std::size_t start = document.size();
-  AppendUntilOutput(std::string("system_profiler -detailLevel full -xml ") + dataType, document);
-  const std::size_t head = position == ProfilerPosition::First ? 0 : kHeadSize;
-  const std::size_t tail = position == ProfilerPosition::Last ? 0 : kTailSize;
-  const std::size_t size = document.size() - start;
-  if (size < head + tail) return document.resize(start);
-  document.resize(document.size() - tail);
-  document.erase(start, head);
-}
-
 ProfilerPosition PositionOf(std::size_t index) {
   if (index == 0) return ProfilerPosition::First;
   return index + 1 == kDataTypeCount ? ProfilerPosition::Last : ProfilerPosition::Middle;
@@ -80,10 +68,15 @@ const char* LastResort(ProfilerPosition position) {
 
 }  // namespace
 
-std::string RunProfilerType(const char* dataType, ProfilerPosition position) {
-  std::string piece;
-  AppendProfilerType(dataType, position, piece);
-  return piece;
+void RunProfilerType(const char* dataType, ProfilerPosition position, std::string& document) {
+  const std::size_t start = document.size();
+  AppendUntilOutput(std::string("system_profiler -detailLevel full -xml ") + dataType, document);
+  const std::size_t head = position == ProfilerPosition::First ? 0 : kHeadSize;
+  const std::size_t tail = position == ProfilerPosition::Last ? 0 : kTailSize;
+  const std::size_t size = document.size() - start;
+  if (size < head + tail) return document.resize(start);
+  document.resize(document.size() - tail);
+  document.erase(start, head);
 }
 
 std::string CollectProfilerData(bool silent) {
@@ -91,7 +84,7 @@ std::string CollectProfilerData(bool silent) {
   for (std::size_t i = 0; i < kDataTypeCount; ++i) {
     const ProfilerPosition position = PositionOf(i);
     const std::size_t start = document.size();
-    AppendProfilerType(kDataTypes[i].name, position, document);
+    RunProfilerType(kDataTypes[i].name, position, document);
     if (document.size() == start) document += LastResort(position);
     if (silent && kDataTypes[i].percent) LogLine("%d%%\n", kDataTypes[i].percent);
   }

@@ -5,9 +5,9 @@
 
 enum class ProfilerPosition { Middle = 0, First = 1, Last = 2 };
 
-// One data type's document, cut so that it fits its place in the whole: the first piece keeps its head, the last its
-// tail. Empty when the document is too short for that, or when five runs printed nothing.
-std::string RunProfilerType(const char* dataType, ProfilerPosition position);
+// Appends one data type's document to `document`, cut so that it fits its place there: the first piece keeps its head,
+// the last its tail. Appends nothing when the output is too short for that, or when five runs printed nothing.
+void RunProfilerType(const char* dataType, ProfilerPosition position, std::string& document);
 
 // The document of the 23 data types in their order. A silent scan shows its progress on standard output.
 std::string CollectProfilerData(bool silent);
