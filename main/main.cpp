@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 
 #include "main/console/panic_log.h"
@@ -50,9 +51,16 @@ int RunAgent(int count, const char* const* arguments) {
   return 0;
 }
 
+// Where an exception ends that found no memory for itself.
+[[noreturn]] void Terminate() {
+  WritePanic("main.cpp", __LINE__, kStatusPanic, errno, nullptr);
+  std::_Exit(kStatusPanic);
+}
+
 }  // namespace
 
 int main(int count, char** arguments) {
+  std::set_terminate(Terminate);
   OpenStandardStreams();
   for (const int failedWrite : {SIGPIPE, SIGXFSZ}) std::signal(failedWrite, IgnoreSignal);
   try {

@@ -38,9 +38,9 @@ void Log(const ScanSettings& settings, const char* text) {
 // Phases I to III: the raw tree, and what the property list says that the raw tree does not.
 TagTree Collect(const ScanSettings& settings, bool silent, Findings& findings) {
   Log(settings, "I. Collecting Data....\n");
-  std::string document = CollectProfilerData(silent);
+  ProfilerData data = CollectProfilerData(silent);
   Log(settings, "done\n");
-  PropertyList list = ParsePropertyList(std::move(document));
+  PropertyList list = ParseProfilerData(std::move(data));
   if (settings.modern) AddOlderKeys(list);
   CollectAssetSummary(list, findings.summary);
 
@@ -119,7 +119,7 @@ void NormalScan(const ScanSettings& settings, bool silent, AssetIdentity identit
 
 void DebugScan(const ScanSettings& settings, bool silent, AssetIdentity identity) {
   const std::string rawOutput = RunWholeProfiler();
-  PropertyList list = ParsePropertyList(rawOutput);
+  PropertyList list = ParseProfilerOutput(rawOutput);
   if (settings.modern) AddOlderKeys(list);
   LookupNetworkIdentity(list, identity);
   identity.computerName = ComputerName();

@@ -11,6 +11,7 @@
 #include "main/collect/plist_reader.h"
 #include "main/collect/process_list.h"
 #include "main/collect/profiler.h"
+#include "main/collect/salvage.h"
 #include "main/console/console_log.h"
 #include "main/console/panic_log.h"
 #include "main/result_file.h"
@@ -66,6 +67,15 @@ TEST(Console, PanicRecordsAddUp) {
       RunCommand("sed 's/Time: [1-9][0-9]*,/Time,/; s/(.*)/()/' panic.log", 100),
       "PANIC EXIT. Application: quillagent, Time, File: a.cpp, Line: 7, Code: #-1, Error: #2 (), Message: \"lost\"\n"
       "PANIC EXIT. Application: quillagent, Time, File: b.cpp, Line: 8, Code: #2, Error: #0 (), Message: \"\"\n");
+  ASSERT_EQ(std::rename("panic.log", "real"), 0);
+  for (const char* plant : {"ln -s real panic.log", "ln -s none panic.log", "ln real panic.log", "mkfifo panic.log"}) {
+    RunCommand(plant, 100);
+    const std::string log = RunCommand("cat real", 100);
+    testing::internal::CaptureStderr();
+    WritePanic("c.cpp", 9, 2, 0, "elsewhere");
+    EXPECT_NE(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(RunCommand("cat real; ls none 2>&1 >/dev/null | wc -l; rm panic.log", 100), log + "1\n") << plant;
+  }
   EXPECT_EQ(chdir(before), 0);
 }
 
@@ -82,11 +92,15 @@ TEST(Profiler, PiecesAtTheLimitsOfTheFrame) {
     tools.Add("system_profiler",
               "[ \"$*\" = '-detailLevel full -xml T' ] && head -c " + std::to_string(c.size) + " /dev/zero");
     std::string document = "x";
-    RunProfilerType("T", ProfilerPosition::First, document);
-    EXPECT_EQ(document.size(), 1 + c.first);
-    RunProfilerType("T", ProfilerPosition::Middle, document);
-    EXPECT_EQ(document.size(), 1 + c.first + c.middle);
-    RunProfilerType("T", ProfilerPosition::Last, document);
+    const auto sizeOfPiece = [&](ProfilerPosition position) {
+      const ProfilerPiece piece = RunProfilerType("T", position, document);
+      EXPECT_EQ(piece.start + piece.size, document.size());
+      EXPECT_EQ(piece.head.size() + piece.size + piece.tail.size(), static_cast<std::size_t>(c.size));
+      return piece.size;
+    };
+    EXPECT_EQ(sizeOfPiece(ProfilerPosition::First), c.first);
+    EXPECT_EQ(sizeOfPiece(ProfilerPosition::Middle), c.middle);
+    EXPECT_EQ(sizeOfPiece(ProfilerPosition::Last), c.last);
     EXPECT_EQ(document.size(), 1 + c.first + c.middle + c.last);
   }
 }
@@ -94,10 +108,57 @@ TEST(Profiler, PiecesAtTheLimitsOfTheFrame) {
 TEST(Profiler, EmptyOutputIsAskedForFiveTimesAndLeavesAFrame) {
   Tools tools;
   tools.Add("system_profiler", "echo \"$4\" >> " + tools.Folder() + "/runs");
-  EXPECT_EQ(ParsePropertyList(CollectProfilerData(false)).kind, PropertyListKind::Array);
+  EXPECT_EQ(ParsePropertyList(CollectProfilerData(false).document).kind, PropertyListKind::Array);
   EXPECT_EQ(RunCommand(
                 "sort " + tools.Folder() + "/runs | uniq -c | awk '$1 != 5'; wc -l < " + tools.Folder() + "/runs", 100),
             "115\n");
+}
+
+TEST(Profiler, OneSpoiledOutputCostsOneDataType) {
+  const struct {
+    const char* spoil;  // what one output goes through
+    bool lost;
+  } cases[] = {
+      {"head -c 100", true},
+      {"head -c 250", true},
+      {"tr '<' 'x'", true},
+      {"(head -c 164; echo '<array/>'; echo '</plist>')", true},
+      {"(echo 'caf\351 & <dict>'; cat)", false},
+      {"(cat; echo done)", false},
+      {"tr q '\351'", false},
+      {"sed 1d", false},
+  };
+  Tools tools;
+  const std::string print =
+      "print() { printf '%s\\n' '<?xml version=\"1.0\" encoding=\"UTF-8\"?>' '<!DOCTYPE plist PUBLIC \"-//Apple//DTD "
+      "PLIST "
+      "1.0//EN\" \"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">' '<plist version=\"1.0\">' '<array>' "
+      "\"<dict><key>_dataType</key><string>$4</string><key>q</key><string>q</string></dict>\" '</array>' '</plist>'; "
+      "}\n";
+  for (const char* type : {"SPHardwareDataType", "SPMemoryDataType", "SPPowerDataType"})
+    for (const auto& c : cases) {
+      SCOPED_TRACE(std::string(type) + " through " + c.spoil);
+      tools.Add("system_profiler", print + "[ $4 = " + type + " ] && print $* | " + c.spoil + " || print $*");
+      const PropertyList list = ParseProfilerData(CollectProfilerData(false));
+      EXPECT_EQ(list.items.size(), c.lost ? 22u : 23u);
+      EXPECT_EQ(*FindText(FindDataType(list, type), "_dataType") == type, !c.lost);
+    }
+}
+
+TEST(Salvage, FindsTheDocumentAndReplacesWhatIsNotUtf8) {
+  const char* cases[][2] = {
+      {"", ""},
+      {"no marks", "no marks"},
+      {"a <plist><?xml ?><plist>b</plist>c</plist>d", "<?xml ?><plist>b</plist>c</plist>"},
+      {"a<plist>b<plist>c", "<plist>b<plist>c"},
+      {"a</plist>b", "a</plist>"},
+      {"\xE9t\xC3\xA9\xC3", "\uFFFDt\u00E9\uFFFD"},
+      {"\xC1\xBF\xE0\x9F\xBF\xED\xA0\x80\xF4\x90\x80\x80",
+       "\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD"},
+      {"\u007F\u0080\u07FF\u0800\uD7FF\uE000\uFFFF\U00010000\U0010FFFF",
+       "\u007F\u0080\u07FF\u0800\uD7FF\uE000\uFFFF\U00010000\U0010FFFF"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(SalvagedDocument(c[0]), c[1]);
 }
 
 TEST(RawTree, TakesEveryKindOfValueByItsLevel) {
@@ -258,17 +319,21 @@ TEST(Identity, OfTheServiceThatDecides) {
 }
 
 TEST(ResultName, IsInCapitalsAndFitForAFile) {
-  const char* cases[][4] = {
+  const std::string cases[][4] = {
       {"office-Mac", "Büro", "00-1E-C2-AA-BB-CC", "OFFICE-MAC_001EC2AABBCC.inv"},
       {"", "Anna's i/Mac é", "", "ANNA'S I_MAC é_.inv"},
       {"", "", "", "_.inv"},
+      {"a\n\x7F\u009F\u00A1b", "", "1\t/-2", "A___\u00A1B_1__2.inv"},
+      // with room for "(12345678)", 236 bytes are left, which would cut the last character in two
+      {std::string(235, 'l') + "é and more", "", "00-11", std::string(235, 'L') + "_0011.inv"},
+      {"x", "", std::string(300, '0'), "_" + std::string(240, '0') + ".inv"},
   };
   for (const auto& c : cases) {
     AssetIdentity identity;
     identity.netBiosName = c[0];
     identity.computerName = c[1];
     identity.macAddress = c[2];
-    EXPECT_EQ(ChooseResultPath(identity).name, c[3]);
+    EXPECT_EQ(FileName(ChooseResultPath(identity)), c[3]);
   }
 }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "main/collect/asset_summary.h"
 #include "main/collect/host_identity.h"
 #include "main/collect/plist_reader.h"
 #include "sections/sections.h"
@@ -221,9 +222,8 @@ TEST(ModernKeys, HardwareAddressOfTheServiceItself) {
       {"<dict><key>_dataType</key><string>SPNetworkLocationDataType</string><key>_items</key><true/></dict>", " "},
   };
   for (const auto& c : cases) {
-    std::string ip;
-    const NetworkIdentity identity =
-        LookupNetworkIdentity(ModernList(DataType("SPNetworkDataType", service) + c.locations), ip);
+    AssetIdentity identity;
+    LookupNetworkIdentity(ModernList(DataType("SPNetworkDataType", service) + c.locations), identity);
     EXPECT_EQ(identity.macAddress + " " + identity.workgroup, c.found) << c.locations;
   }
 }

@@ -133,8 +133,6 @@ bool WriteInvFile(InvFile& inv, const std::string& path, bool compressIndex) {
   return whole;
 }
 
-std::string InvCompress(std::string_view input) {
-  return CompressBuffer(input, "zxml/INVfile").value_or(std::string());
-}
+std::string InvCompress(std::string_view input) { return Deflated(input, "zxml/INVfile"); }
 
 void DestroyInvFile(InvFile& inv) { inv = InvFile(); }

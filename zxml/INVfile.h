@@ -47,7 +47,7 @@ std::string BuildInvBuffer(InvFile& inv, bool compressIndex);
 // behind.
 bool WriteInvFile(InvFile& inv, const std::string& path, bool compressIndex);
 
-// CompressBuffer for the container's own parts.
+// Deflated for the container's own parts.
 std::string InvCompress(std::string_view input);
 
 // Destroys all sections with their trees and bodies.

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 
 #include "zxml/inv_format.h"
 
@@ -152,9 +153,7 @@ void AddPiece(TagTree& tree, const std::string& name, std::string piece) {
 }
 
 std::string SaveSplit(TagTree& tree, bool compress) {
-  const auto pack = [compress](std::string text) {
-    return compress ? CompressBuffer(text).value_or(std::string()) : std::move(text);
-  };
+  const auto pack = [compress](std::string text) { return compress ? Deflated(text) : std::move(text); };
   tree.saveIndex.clear();
   AddPiece(tree, "Root", pack(TextOfTag(tree.container, true, true)));
   if (!tree.container.children.empty())
@@ -212,6 +211,12 @@ std::optional<std::string> CompressBuffer(std::string_view input, const char* mo
   return output;
 }
 
+std::string Deflated(std::string_view input, const char* module) {
+  std::optional<std::string> output = CompressBuffer(input, module);
+  if (!output) throw std::bad_alloc();
+  return std::move(*output);
+}
+
 std::string SaveTree(TagTree& tree, bool split, bool compress) {
   if (split) return SaveSplit(tree, compress);
   std::string text = TextOfTag(tree.container, false, false);
@@ -220,7 +225,7 @@ std::string SaveTree(TagTree& tree, bool split, bool compress) {
     if (text.size() < size) text.resize(size, '\0');
     return text;
   }
-  std::string result = CompressBuffer(text).value_or(std::string());
+  std::string result = Deflated(text);
   result += kDeflatedEnd;
   return result;
 }

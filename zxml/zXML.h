@@ -21,6 +21,8 @@ std::size_t WriteText(const Tag& tag, char* buffer, std::size_t offset, bool noC
 // `input` deflated by zlib at level 9; no value when zlib cannot start. A fault inside zlib ends the program with a
 // line on standard error that names `module`.
 std::optional<std::string> CompressBuffer(std::string_view input, const char* module = "zxml/zXML");
+// The same; zlib that cannot start is out of memory, std::bad_alloc.
+std::string Deflated(std::string_view input, const char* module = "zxml/zXML");
 
 // The tree in one of its four saved forms, by the two flags; its last two bytes, or those before a closing "ZXML", are
 // the flags. While it works it fills tree.saveIndex, in the split forms only.

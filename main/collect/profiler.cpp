@@ -2,7 +2,12 @@
 // which are cut off by length, unread.
 #include "main/collect/profiler.h"
 
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
 #include "main/collect/command_runner.h"
+#include "main/collect/salvage.h"
 #include "main/console/console_log.h"
 
 namespace {
@@ -68,31 +73,55 @@ const char* LastResort(ProfilerPosition position) {
 
 }  // namespace
 
-void RunProfilerType(const char* dataType, ProfilerPosition position, std::string& document) {
-  const std::size_t start = document.size();
+ProfilerPiece RunProfilerType(const char* dataType, ProfilerPosition position, std::string& document) {
+  ProfilerPiece piece;
+  piece.start = document.size();
   AppendUntilOutput(std::string("system_profiler -detailLevel full -xml ") + dataType, document);
   const std::size_t head = position == ProfilerPosition::First ? 0 : kHeadSize;
   const std::size_t tail = position == ProfilerPosition::Last ? 0 : kTailSize;
-  const std::size_t size = document.size() - start;
-  if (size < head + tail) return document.resize(start);
+  const std::size_t size = document.size() - piece.start;
+  if (size < head + tail) {
+    piece.head = document.substr(piece.start);
+    document.resize(piece.start);
+    return piece;
+  }
+  piece.size = size - head - tail;
+  piece.head = document.substr(piece.start, head);
+  piece.tail = document.substr(document.size() - tail);
   document.resize(document.size() - tail);
-  document.erase(start, head);
+  document.erase(piece.start, head);
+  return piece;
 }
 
-std::string CollectProfilerData(bool silent) {
-  std::string document;
+ProfilerData CollectProfilerData(bool silent) {
+  ProfilerData data;
   for (std::size_t i = 0; i < kDataTypeCount; ++i) {
     const ProfilerPosition position = PositionOf(i);
-    const std::size_t start = document.size();
-    RunProfilerType(kDataTypes[i].name, position, document);
-    if (document.size() == start) document += LastResort(position);
+    data.pieces.push_back(RunProfilerType(kDataTypes[i].name, position, data.document));
+    if (data.pieces.back().size == 0) data.document += LastResort(position);
     if (silent && kDataTypes[i].percent) LogLine("%d%%\n", kDataTypes[i].percent);
   }
-  return document;
+  return data;
 }
 
 std::string RunWholeProfiler() {
   std::string output;
   AppendUntilOutput("system_profiler -detailLevel full -xml", output);
   return output;
+}
+
+PropertyList ParseProfilerData(ProfilerData data) {
+  PropertyList list = ParsePropertyList(data.document);
+  if (list.kind != PropertyListKind::Null) return list;
+  list.kind = PropertyListKind::Array;
+  for (const ProfilerPiece& piece : data.pieces) {
+    PropertyList part = ParseProfilerOutput(piece.head + data.document.substr(piece.start, piece.size) + piece.tail);
+    std::move(part.items.begin(), part.items.end(), std::back_inserter(list.items));
+  }
+  return list;
+}
+
+PropertyList ParseProfilerOutput(const std::string& output) {
+  PropertyList list = ParsePropertyList(output);
+  return list.kind == PropertyListKind::Null ? ParsePropertyList(SalvagedDocument(output)) : list;
 }

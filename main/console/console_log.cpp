@@ -1,6 +1,9 @@
 // Formatting into a string, a log line that shows at once, and the question whether a file exists.
 #include "main/console/console_log.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cstdio>
 #include <utility>
 
@@ -42,8 +45,7 @@ void LogLine(const char* format, ...) {
 }
 
 bool FileExists(const std::string& path) {
-  std::FILE* file = std::fopen(path.c_str(), "r");
-  if (!file) return false;
-  std::fclose(file);
-  return true;
+  const int file = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY);
+  if (file >= 0) close(file);
+  return file >= 0;
 }

@@ -14,5 +14,5 @@ int MeasureFormatList(const char* format, va_list values) __attribute__((format(
 // Prints to standard output and flushes it, so that a step shows up before its work starts.
 void LogLine(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
-// True when a file of that path can be opened for reading.
+// True when a file of that path can be opened for reading; does not wait for the other end of a pipe.
 bool FileExists(const std::string& path);
