@@ -22,7 +22,8 @@ else
   set -- "$root/replay/replay" "$recording" -silent "$@"
 fi
 "$@" | tee console.txt
-result=$(sed -n 's/^>>>//p' console.txt)
+# with -log the marker stands behind the last phase's name
+result=$(sed -n 's/^VII[.] Saving to file[.]*//; s/^>>>//p' console.txt)
 [ -f "$result" ] || exit 1
 
 echo

@@ -5,10 +5,11 @@ scan_test.py SOURCE BUILD [--update]: with --update the expected results are wri
 import difflib
 import os
 import re
+import subprocess
 import sys
 import tempfile
 
-from agent import CLOCK, RECORDINGS, expect, finish, failures, read_inv, replay, scan
+from agent import BUILD, CLOCK, RECORDINGS, SOURCE, expect, finish, failures, read_inv, replay, scan
 
 UPDATE = "--update" in sys.argv
 SILENT = "".join(f"{n}0%\n" for n in range(1, 11))
@@ -116,6 +117,23 @@ def check_debug(recording):
                    (names[0 if known else 1], not known, not known, not known))
 
 
+def check_recipes(recording, result):
+    """What scan.sh and the manual page make of the agent's console, the log included, is the result's name."""
+    with open(os.path.join(SOURCE, "man", "quillagent.1"), encoding="utf-8") as page:
+        recipe = re.search(r"\nfile=\$\((.*)\)\n", page.read())[1].replace("\\-", "-").replace("\\(aq", "'")
+    env = dict(os.environ, QUILLAGENT=os.path.join(BUILD, "quillagent"))
+    with tempfile.TemporaryDirectory() as root:
+        os.mkdir(os.path.join(root, ".ci"))
+        for name in ("replay", "recordings", "scan.sh"):
+            os.symlink(os.path.join(SOURCE, name), os.path.join(root, name))
+        for name in ("build", "install-missing"):
+            os.symlink("/bin/true", os.path.join(root, ".ci", name))
+        for script, want in ((f"./scan.sh {recording} -log", f"\nThe result is build/scan/{result}\n"),
+                             (f'quillagent() {{ replay/replay {recording} -log "$@"; }}; {recipe}', result + "\n")):
+            done = subprocess.run(["sh", "-c", script], cwd=root, env=env, stdout=subprocess.PIPE, text=True, check=True)
+            expect(script, done.stdout[-len(want):], want)
+
+
 names = sorted(n for n in os.listdir(RECORDINGS) if UPDATE or os.path.isdir(os.path.join(RECORDINGS, n, "expected")))
 expect("recordings", len(names) >= 2, True)
 for each in names:
@@ -126,5 +144,6 @@ for each in names:
 if not UPDATE:
     chosen = os.path.join(RECORDINGS, names[0])
     check_console(chosen, scan(chosen)[0])
+    check_recipes(chosen, scan(chosen)[0])
     check_debug(os.path.join(RECORDINGS, "macbook-2015-10.11.6"))
 finish()
