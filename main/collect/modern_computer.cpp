@@ -102,37 +102,36 @@ const char* StoreAnswer(const std::string& origin) {
 }  // namespace
 
 void AddSoftwareKeys(PropertyList& result) {
-  for (PropertyList& item : ItemsOf(result)) AddSystem(item);
+  for (PropertyList* item : ItemsOf(result)) AddSystem(*item);
 }
 
 void AddHardwareKeys(PropertyList& result) {
-  for (PropertyList& item : ItemsOf(result)) {
-    SetCores(item);
-    if (AddChip(item) && StartsWith(TextUnderKey(item, "chip_type"), "Apple"))
+  for (PropertyList* item : ItemsOf(result)) {
+    SetCores(*item);
+    if (AddChip(*item) && StartsWith(TextUnderKey(*item, "chip_type"), "Apple"))
       AddToSummary(result, "processor-maker", "Apple");
   }
 }
 
 void AddMemoryKeys(PropertyList& result) {
-  for (PropertyList& item : ItemsOf(result)) {
-    if (!FindText(&item, "SPMemoryDataType") || FindKey(&item, "_items") || FindKey(&item, "dimm_size")) continue;
-    AddMissing(item, "dimm_status", MakeText("ok"));
-    CopyMissing(item, "dimm_size", item, {"SPMemoryDataType"});
+  for (PropertyList* item : ItemsOf(result)) {
+    if (!FindText(item, "SPMemoryDataType") || FindKey(item, "_items") || FindKey(item, "dimm_size")) continue;
+    AddMissing(*item, "dimm_status", MakeText("ok"));
+    CopyMissing(*item, "dimm_size", *item, {"SPMemoryDataType"});
   }
 }
 
 void AddApplicationKeys(PropertyList& result) {
-  for (PropertyList& item : ItemsOf(result)) {
-    if (const char* answer = StoreAnswer(TextUnderKey(item, "obtained_from")))
-      AddMissing(item, "app_store", MakeText(answer));
-    const std::string* kind = FindText(&item, "arch_kind");
-    if (!kind) continue;
-    const bool wide = IsWide(*kind);
-    CopyMissing(item, "runtime_environment", item, {"arch_kind"});
-    AddMissing(item, "has64BitIntelCode", MakeText(wide ? "yes" : "no"));
+  for (PropertyList* item : ItemsOf(result)) {
+    const char* answer = StoreAnswer(TextUnderKey(*item, "obtained_from"));
+    if (answer) AddMissing(*item, "app_store", MakeText(answer));
+    if (!FindText(item, "arch_kind")) continue;
+    const bool wide = IsWide(TextUnderKey(*item, "arch_kind"));
+    CopyMissing(*item, "runtime_environment", *item, {"arch_kind"});
+    AddMissing(*item, "has64BitIntelCode", MakeText(wide ? "yes" : "no"));
   }
 }
 
 void AddPrinterKeys(PropertyList& result) {
-  for (PropertyList& item : ItemsOf(result)) CopyMissing(item, "fax", item, {"Fax Support"});
+  for (PropertyList* item : ItemsOf(result)) CopyMissing(*item, "fax", *item, {"Fax Support"});
 }

@@ -64,7 +64,7 @@ void SpreadDisks(PropertyList& holder) {
     if (media.empty()) {
       spread.push_back(std::move(device));
     } else {
-      for (PropertyList& below : ItemsOf(device)) spread.push_back(std::move(below));
+      for (PropertyList* below : ItemsOf(device)) spread.push_back(std::move(*below));
     }
   }
   devices->items = std::move(spread);
@@ -94,12 +94,12 @@ struct ListedVolumes {
 
 void CollectVolumes(PropertyList& holder, const Bus& bus, ListedVolumes& listed) {
   if (bus.listsVolumes(holder)) {
-    for (PropertyList& volume : ElementsUnder(holder, "volumes")) {
-      if (const std::string* device = FindText(&volume, "bsd_name")) listed.byDevice.emplace(*device, &volume);
-      listed.names.insert(TextUnderKey(volume, "_name"));
+    for (PropertyList* volume : ElementsUnder(holder, "volumes")) {
+      if (const std::string* device = FindText(volume, "bsd_name")) listed.byDevice.emplace(*device, volume);
+      listed.names.insert(TextUnderKey(*volume, "_name"));
     }
   }
-  for (PropertyList& below : ItemsOf(holder)) CollectVolumes(below, bus, listed);
+  for (PropertyList* below : ItemsOf(holder)) CollectVolumes(*below, bus, listed);
 }
 
 ListedVolumes VolumesOfDisks(PropertyList& list) {
@@ -143,10 +143,10 @@ void CompleteVolume(PropertyList& volume, const PropertyList& mounted) {
 
 void AddNvmeKeys(PropertyList& result) {
   std::int64_t capacity = 0;
-  for (PropertyList& controller : ItemsOf(result)) {
-    for (const PropertyList& disk : ItemsOf(controller)) {
-      const PropertyList* size = FindKey(&disk, "size_in_bytes", PropertyListKind::Number);
-      if (!size || IsFloating(size->numberType) || IsYes(disk, "removable_media")) continue;
+  for (PropertyList* controller : ItemsOf(result)) {
+    for (const PropertyList* disk : ItemsOf(*controller)) {
+      const PropertyList* size = FindKey(disk, "size_in_bytes", PropertyListKind::Number);
+      if (!size || IsFloating(size->numberType) || IsYes(*disk, "removable_media")) continue;
       capacity += std::max<std::int64_t>(size->integer, 0) / kBytesPerDecimalGB;
     }
   }
@@ -159,13 +159,13 @@ void AddUsbKeys(PropertyList& result) { SpreadDisks(result); }
 void AddStorageKeys(PropertyList& list) {
   const ListedVolumes listed = VolumesOfDisks(list);
   for (PropertyList* result : ResultsOf(list, "SPStorageDataType")) {
-    for (PropertyList& volume : ItemsOf(*result)) {
-      if (!IsMounted(volume) || LiesOnPartition(volume, listed)) continue;
-      const auto known = listed.byDevice.find(TextUnderKey(volume, "bsd_name"));
+    for (PropertyList* volume : ItemsOf(*result)) {
+      if (!IsMounted(*volume) || LiesOnPartition(*volume, listed)) continue;
+      const auto known = listed.byDevice.find(TextUnderKey(*volume, "bsd_name"));
       if (known != listed.byDevice.end())
-        CompleteVolume(*known->second, volume);
+        CompleteVolume(*known->second, *volume);
       else
-        AddMissing(volume, kVolumeKey, MakeText("yes"));
+        AddMissing(*volume, kVolumeKey, MakeText("yes"));
     }
   }
 }

@@ -12,7 +12,7 @@ constexpr std::int64_t kMax16Bits = 0xFFFF;
 constexpr std::int64_t kMax32Bits = 0xFFFFFFFF;
 constexpr std::int64_t kWeeks = 53;
 
-Elements DisplaysOf(PropertyList& adapter) { return ElementsUnder(adapter, "spdisplays_ndrvs"); }
+std::vector<PropertyList*> DisplaysOf(PropertyList& adapter) { return ElementsUnder(adapter, "spdisplays_ndrvs"); }
 
 struct NumberKey {
   const char* key;
@@ -69,12 +69,12 @@ struct Place {
 };
 
 // The display marked as main, else the first one, on some adapters.
-Place MainDisplay(const Elements& adapters) {
+Place MainDisplay(const std::vector<PropertyList*>& adapters) {
   Place first;
-  for (PropertyList& adapter : adapters) {
-    for (PropertyList& display : DisplaysOf(adapter)) {
-      if (TextUnderKey(display, "spdisplays_main") == "spdisplays_yes") return {&adapter, &display};
-      if (!first.display) first = {&adapter, &display};
+  for (PropertyList* adapter : adapters) {
+    for (PropertyList* display : DisplaysOf(*adapter)) {
+      if (TextUnderKey(*display, "spdisplays_main") == "spdisplays_yes") return {adapter, display};
+      if (!first.display) first = {adapter, display};
     }
   }
   return first;
@@ -87,15 +87,15 @@ const std::string* FirstText(const PropertyList* node, std::initializer_list<con
 }
 
 // The usual keys say it of the first adapter and of its displays.
-void AddMainDisplay(PropertyList& result) {
-  const Elements adapters = ItemsOf(result);
-  if (adapters.first == adapters.last) return;
+void AddMainDisplay(PropertyList& result, const std::vector<PropertyList*>& adapters) {
+  if (adapters.empty()) return;
   const Place main = MainDisplay(adapters);
-  if (!FindText(MainDisplay({adapters.first, adapters.first + 1}).display, "spdisplays_resolution")) {
+  const Place usual = MainDisplay({adapters.front()});
+  if (!FindText(usual.display, "spdisplays_resolution")) {
     const std::string* resolution = FirstText(main.display, {"spdisplays_resolution", "_spdisplays_resolution"});
     if (resolution) AddToSummary(result, "resolution", *resolution);
   }
-  if (!FindText(adapters.first, "spdisplays_vram") && main.adapter && main.adapter != adapters.first) {
+  if (!FindText(adapters.front(), "spdisplays_vram") && main.adapter && main.adapter != adapters.front()) {
     const std::string* memory =
         FirstText(main.adapter, {"spdisplays_vram", "spdisplays_vram_shared", "_spdisplays_vram"});
     AddToSummary(result, "video-memory", memory ? *memory : std::string());
@@ -105,9 +105,10 @@ void AddMainDisplay(PropertyList& result) {
 }  // namespace
 
 void AddDisplayKeys(PropertyList& result) {
-  AddMainDisplay(result);
-  for (PropertyList& adapter : ItemsOf(result)) {
-    CopyMissing(adapter, "spdisplays_vram", adapter, {"spdisplays_vram_shared", "_spdisplays_vram"});
-    for (PropertyList& display : DisplaysOf(adapter)) AddMonitor(display);
+  const std::vector<PropertyList*> adapters = ItemsOf(result);
+  AddMainDisplay(result, adapters);
+  for (PropertyList* adapter : adapters) {
+    CopyMissing(*adapter, "spdisplays_vram", *adapter, {"spdisplays_vram_shared", "_spdisplays_vram"});
+    for (PropertyList* display : DisplaysOf(*adapter)) AddMonitor(*display);
   }
 }

@@ -22,8 +22,8 @@ constexpr Step kSteps[] = {
 // "OS X 10.11.6 (15G31)", and "Mac OS X" before 10.8; from 10.12 on it is "macOS".
 bool IsOlderSystem(PropertyList& list) {
   for (PropertyList* result : ResultsOf(list, "SPSoftwareDataType"))
-    for (const PropertyList& item : ItemsOf(*result))
-      if (TextUnderKey(item, "os_version").find("OS X") != std::string::npos) return true;
+    for (const PropertyList* item : ItemsOf(*result))
+      if (TextUnderKey(*item, "os_version").find("OS X") != std::string::npos) return true;
   return false;
 }
 
@@ -55,9 +55,13 @@ PropertyList* FindKeyToChange(PropertyList& node, std::string_view key, Property
   return const_cast<PropertyList*>(FindKey(&node, key, kind));
 }
 
-Elements ElementsUnder(PropertyList& node, std::string_view key) {
+std::vector<PropertyList*> ElementsUnder(PropertyList& node, std::string_view key) {
+  std::vector<PropertyList*> elements;
   PropertyList* array = FindKeyToChange(node, key, PropertyListKind::Array);
-  return array ? Elements{array->items.data(), array->items.data() + array->items.size()} : Elements();
+  if (!array) return elements;
+  elements.reserve(array->items.size());
+  for (PropertyList& element : array->items) elements.push_back(&element);
+  return elements;
 }
 
 std::vector<PropertyList*> ResultsOf(PropertyList& list, std::string_view dataType) {

@@ -18,17 +18,17 @@ struct Interface {
   std::string address;
 };
 
-std::vector<Interface> AddSubNets(PropertyList& list) {
+void AddSubNet(PropertyList& service) {
+  const PropertyList* masks = FindKey(FindKey(&service, "IPv4"), "SubnetMasks", PropertyListKind::Array);
+  if (masks) AddMissing(service, "SubnetMasks", PropertyList(*masks));
+}
+
+std::vector<Interface> InterfacesOf(PropertyList& list) {
   std::vector<Interface> interfaces;
   for (PropertyList* result : ResultsOf(list, "SPNetworkDataType")) {
-    for (PropertyList& service : ItemsOf(*result)) {
-      if (const PropertyList* ipv4 = FindKey(&service, "IPv4")) {
-        const PropertyList* masks = FindKey(ipv4, "SubnetMasks", PropertyListKind::Array);
-        if (masks) AddMissing(service, "SubnetMasks", PropertyList(*masks));
-      }
-      const PropertyList* ethernet = FindKey(&service, "Ethernet");
-      const std::string* address = FindText(ethernet, "MAC Address");
-      if (address && !address->empty()) interfaces.push_back({TextUnderKey(service, "interface"), *address});
+    for (PropertyList* service : ItemsOf(*result)) {
+      const std::string* address = FindText(FindKey(service, "Ethernet"), "MAC Address");
+      if (address && !address->empty()) interfaces.push_back({TextUnderKey(*service, "interface"), *address});
     }
   }
   return interfaces;
@@ -48,9 +48,9 @@ PropertyList* LocationServices(PropertyList& list) {
   if (!locations) return nullptr;
   if (locations->items.empty()) locations->items.push_back(MakeNode(PropertyListKind::Dictionary));
   PropertyList* location = &locations->items.back();
-  for (PropertyList& one : ItemsOf(result)) {
-    if (TextUnderKey(one, "spnetworklocation_isActive") != "yes") continue;
-    location = &one;
+  for (PropertyList* one : ItemsOf(result)) {
+    if (TextUnderKey(*one, "spnetworklocation_isActive") != "yes") continue;
+    location = one;
     break;
   }
   AddMissing(*location, kServices, MakeNode(PropertyListKind::Array));
@@ -79,7 +79,9 @@ void AddHardwareAddresses(std::vector<PropertyList>& services, const std::vector
 }  // namespace
 
 void AddNetworkKeys(PropertyList& list) {
-  const std::vector<Interface> interfaces = AddSubNets(list);
+  for (PropertyList* result : ResultsOf(list, "SPNetworkDataType"))
+    for (PropertyList* service : ItemsOf(*result)) AddSubNet(*service);
+  const std::vector<Interface> interfaces = InterfacesOf(list);
   if (interfaces.empty()) return;
   if (PropertyList* services = LocationServices(list)) AddHardwareAddresses(services->items, interfaces);
 }

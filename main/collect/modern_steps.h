@@ -29,18 +29,9 @@ PropertyList MakeInteger(std::int64_t number);
 // The value under `key` when it is of `kind`, else null. Owned by `node`.
 PropertyList* FindKeyToChange(PropertyList& node, std::string_view key, PropertyListKind kind);
 
-// Elements of one array, to be changed in place; the array must not grow meanwhile.
-struct Elements {
-  PropertyList* first = nullptr;
-  PropertyList* last = nullptr;  // one past the end
-
-  PropertyList* begin() const { return first; }
-  PropertyList* end() const { return last; }
-};
-
-// Of the array under `key`; none when there is no array.
-Elements ElementsUnder(PropertyList& node, std::string_view key);
-inline Elements ItemsOf(PropertyList& node) { return ElementsUnder(node, "_items"); }
+// The elements of the array under `key`; none when there is no array. Owned by it, and valid until it grows.
+std::vector<PropertyList*> ElementsUnder(PropertyList& node, std::string_view key);
+inline std::vector<PropertyList*> ItemsOf(PropertyList& node) { return ElementsUnder(node, "_items"); }
 // The results of that data type.
 std::vector<PropertyList*> ResultsOf(PropertyList& list, std::string_view dataType);
 
