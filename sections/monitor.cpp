@@ -58,7 +58,7 @@ void WriteFeatures(Tag& monitor, const EdidInfo& info) {
 }
 
 // 0 for a week that is not known.
-std::int64_t Quarter(std::int64_t week) { return week ? (week - 1) / kWeeksOfQuarter + 1 : 0; }
+std::int64_t Quarter(std::int64_t week) { return week > 0 ? (week - 1) / kWeeksOfQuarter + 1 : 0; }
 
 void WriteManufactureDate(Tag& monitor, const EdidInfo& info) {
   Tag* date = AddParts(monitor, "manufacture-date");

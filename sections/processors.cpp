@@ -13,10 +13,14 @@ namespace {
 
 constexpr std::int64_t kMaxPackages = 4096;  // above it the number is not believed
 
+// Of a chip, unlike the usual processors, nothing is written that is not known.
+bool IsChip(const Tag& hardware) { return HasKey(hardware, kChipKey); }
+
+// 0 when it is not known; the usual processors have at least one core.
 std::int64_t CoreCount(const Tag& hardware) {
   for (const char* key : {"number_processors", "number_cpus"})
     if (HasKey(hardware, key)) return IntegerOfKey(hardware, key);
-  return 1;
+  return IsChip(hardware) ? 0 : 1;
 }
 
 enum class CacheShare { Whole, PerPackage, CoresPerPackage };
@@ -60,14 +64,13 @@ void WriteProcessor(Tag& processors, const Tag& hardware, std::int64_t number, s
   Value type = HasKey(hardware, "cpu_type") ? CopyOfKey(hardware, "cpu_type") : MakeTextValue("CPU #" + n);
   Tag* processor = SetChildValue(processors, "Processor:" + n, std::move(type));
   const std::int64_t cores = CoreCount(hardware);
-  const bool isChip = HasKey(hardware, kChipKey);  // of which nothing is written that is not known
-  if (!isChip || (cores > 0 && HasKey(hardware, "number_processors"))) SetNumber(*processor, "core-count", cores);
+  if (cores != 0 || !IsChip(hardware)) SetNumber(*processor, "core-count", cores);
   for (const CacheKey& cache : kCacheKeys) {
     if (!HasKey(hardware, cache.key)) continue;
     const double kilobytes = ParseSizeKB(TextOfKey(hardware, cache.key));
     SetNumber(*processor, cache.attribute, CacheKilobytes(kilobytes, cache.share, cores, packages));
   }
-  if (!isChip || HasKey(hardware, "current_processor_speed"))
+  if (HasKey(hardware, "current_processor_speed") || !IsChip(hardware))
     SetNumber(*processor, "current-clock-speed", Megahertz(TextOfKey(hardware, "current_processor_speed")));
 }
 

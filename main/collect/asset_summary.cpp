@@ -60,7 +60,7 @@ void SplitSystemVersion(const std::string& version, AssetSummary& summary) {
 }
 
 void CollectSoftware(const PropertyList& list, AssetSummary& summary) {
-  const PropertyList* software = FirstElement(FindItems(list, "SPSoftwareDataType"));
+  const PropertyList* software = FirstElement(FindItemArray(list, "SPSoftwareDataType"));
   CopyText(software, "local_host_name", summary.localHostName);
   if (const std::string* userName = FindText(software, "user_name")) summary.userName = ShortUserName(*userName);
   if (const std::string* version = FindText(software, "os_version")) SplitSystemVersion(*version, summary);
@@ -82,7 +82,7 @@ void CollectProcessor(const PropertyList* hardware, AssetSummary& summary) {
 }
 
 void CollectHardware(const PropertyList& list, AssetSummary& summary) {
-  const PropertyList* hardware = FirstElement(FindItems(list, "SPHardwareDataType"));
+  const PropertyList* hardware = FirstElement(FindItemArray(list, "SPHardwareDataType"));
   summary.platformUuid = RunCommand(kPlatformUuidCommand, kPlatformUuidChunk);
   if (summary.platformUuid.empty()) CopyText(hardware, "platform_UUID", summary.platformUuid);
   CollectProcessor(hardware, summary);
@@ -116,7 +116,7 @@ std::string DiagonalOfEdid(const std::string& edid) {
 }
 
 void CollectDisplay(const PropertyList& list, AssetSummary& summary) {
-  const PropertyList* adapter = FirstElement(FindItems(list, "SPDisplaysDataType"));
+  const PropertyList* adapter = FirstElement(FindItemArray(list, "SPDisplaysDataType"));
   if (const std::string* memory = FindText(adapter, "spdisplays_vram")) summary.videoMemory = Megabytes(*memory);
   const PropertyList* display = MainDisplay(adapter);
   CopyText(display, "spdisplays_resolution", summary.displayResolution);
@@ -148,7 +148,7 @@ void AddDisk(const PropertyList& device, DiskTotals& totals) {
 
 void CollectDisks(const PropertyList& list, AssetSummary& summary) {
   DiskTotals totals;
-  if (const PropertyList* controllers = FindItems(list, "SPSerialATADataType"))
+  if (const PropertyList* controllers = FindItemArray(list, "SPSerialATADataType"))
     for (const PropertyList& controller : controllers->items)
       if (const PropertyList* devices = FindKey(&controller, "_items", PropertyListKind::Array))
         for (const PropertyList& device : devices->items) AddDisk(device, totals);

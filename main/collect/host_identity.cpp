@@ -22,7 +22,7 @@ bool IsEthernetLike(const PropertyList& service) { return TextUnder(&service, "i
 
 // The service that has `currentIp`, or the first "en" interface with an address when that is empty.
 const PropertyList* ChooseService(const PropertyList& list, const std::string& currentIp) {
-  const PropertyList* services = FindItems(list, "SPNetworkDataType");
+  const PropertyList* services = FindItemArray(list, "SPNetworkDataType");
   if (!services) return nullptr;
   for (const PropertyList& service : services->items) {
     const std::string* address = FirstAddress(service);
@@ -34,7 +34,7 @@ const PropertyList* ChooseService(const PropertyList& list, const std::string& c
 
 // The active network location; when none is, the last one.
 const PropertyList* ChooseLocation(const PropertyList& list) {
-  const PropertyList* locations = FindItems(list, "SPNetworkLocationDataType");
+  const PropertyList* locations = FindItemArray(list, "SPNetworkLocationDataType");
   if (!locations || locations->items.empty()) return nullptr;
   for (const PropertyList& location : locations->items)
     if (TextUnder(&location, "spnetworklocation_isActive") == "yes") return &location;
@@ -59,7 +59,7 @@ const PropertyList* FindDataType(const PropertyList& list, const char* name) {
   return &list.items.back();  // deliberate: without a match the last element serves
 }
 
-const PropertyList* FindItems(const PropertyList& list, const char* name) {
+const PropertyList* FindItemArray(const PropertyList& list, const char* name) {
   return FindKey(FindDataType(list, name), "_items", PropertyListKind::Array);
 }
 
@@ -79,7 +79,7 @@ void LookupNetworkIdentity(const PropertyList& list, AssetIdentity& identity) {
 }
 
 std::string ReadSerialNumber(const PropertyList& list) {
-  return TextUnder(FirstElement(FindItems(list, "SPHardwareDataType")), "serial_number");
+  return TextUnder(FirstElement(FindItemArray(list, "SPHardwareDataType")), "serial_number");
 }
 
 std::string MakeTimestamp(DateForm form) { return FormatDate(CurrentTime(), form); }

@@ -21,4 +21,4 @@ std::string MakeTimestamp(DateForm form);
 // list.
 const PropertyList* FindDataType(const PropertyList& list, const char* name);
 // The "_items" of that data type; null when it has none.
-const PropertyList* FindItems(const PropertyList& list, const char* name);
+const PropertyList* FindItemArray(const PropertyList& list, const char* name);

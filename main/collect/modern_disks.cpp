@@ -109,7 +109,7 @@ ListedVolumes VolumesOfDisks(PropertyList& list) {
   return listed;
 }
 
-// Mounted where a user sees it: what lies below that folder belongs to "/".
+// Mounted as a volume of its own: what lies in the system's folder of volumes shares the space of "/".
 bool IsMounted(const PropertyList& volume) {
   const std::string& place = TextUnderKey(volume, "mount_point");
   const bool systemOwn = place.compare(0, kSystemVolumes.size(), kSystemVolumes) == 0 &&
