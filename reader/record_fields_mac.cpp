@@ -65,14 +65,27 @@ void ReadOsBuild(const RecordField& field, const RecordRow& row, FieldValue& val
   if (open != text.npos && close != text.npos && open < close) SetText(value, text.substr(open + 1, close - open - 1));
 }
 
-void ReadOsName(const RecordField& field, const RecordRow& row, FieldValue& value) {
+std::string_view OsVersionText(const RecordRow& row) {
   constexpr FieldSource kVersion = MakeFieldSource(kOsVersion);
   constexpr FieldSource kAssetVersion = MakeFieldSource("AssetInfo/control/os-ver");
-  const std::string_view version = SourceText(row.source->snapshot ? kVersion : kAssetVersion, row);
-  if (version.substr(0, 2) == "S " && IsDigit(version, 2))
-    SetText(value, "macOS " + std::string(VersionOf(version)));
+  return SourceText(row.source->snapshot ? kVersion : kAssetVersion, row);
+}
+
+// True for a newer system that the agent read as if it were an old one.
+bool IsMisread(const RecordRow& row) {
+  const std::string_view version = OsVersionText(row);
+  return version.substr(0, 2) == "S " && IsDigit(version, 2);
+}
+
+void ReadOsName(const RecordField& field, const RecordRow& row, FieldValue& value) {
+  if (IsMisread(row))
+    SetText(value, "macOS " + std::string(VersionOf(OsVersionText(row))));
   else
     SetText(value, SourceText(field, row));
+}
+
+void ReadArchitecture(const RecordField& field, const RecordRow& row, FieldValue& value) {
+  if (!IsMisread(row)) SetText(value, SourceText(field, row));
 }
 
 // "00000012032741.000000:000": days, and two digits each of hours, minutes and seconds.
@@ -172,8 +185,10 @@ constexpr RecordField kOsFields[] = {
           "AssetInfo/control/os-ver"),
        ReadOsBuild),
     Field(kText, "kernel", "Snapshot/OS/os:1/kernel", "The kernel's name and version", kDebug),
-    Or(Field(kText, "architecture", "Snapshot/OS/os:1/architecture", "`32-bit` or `64-bit`, the kernel's", kDebug),
-       "AssetInfo/control/os-arch"),
+    By(Or(Field(kText, "architecture", "Snapshot/OS/os:1/architecture", "`32-bit` or `64-bit`, the kernel's",
+                "a debug scan, or a version that begins with `S`: what stands there is then as wrong as the name"),
+          "AssetInfo/control/os-arch"),
+       ReadArchitecture),
     By(Field(kInteger, "uptime_seconds", "Snapshot/OS/os:1/uptime", "Time since the system started", kDebug),
        ReadUptime),
 };

@@ -47,8 +47,8 @@ def duplicates(known):
 
 
 def free_slots(known):
-    counts = collections.Counter((mac["key"], mac["computer_name"]) for mac in newest(known) for size in mac["slots"] if not size)
-    return [[name, str(count)] for (_, name), count in counts.items()]
+    counts = ((mac["computer_name"], mac["slots"].count(0), len(mac["slots"])) for mac in newest(known))
+    return [[name, str(free)] for name, free, slots in counts if 0 < free < slots]
 
 
 def common(known):
