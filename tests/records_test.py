@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """The records, their tables and their reference. Arguments: source folder, build folder."""
-import csv, glob, io, json, os, re, subprocess, sys, tempfile, unittest
+import csv, glob, importlib.machinery, importlib.util, io, json, os, re, shutil, subprocess, sys, tempfile, unittest
 
 try:
     import jsonschema
@@ -9,6 +9,35 @@ except ImportError:
 
 SOURCE, BUILD = (os.path.abspath(path) for path in sys.argv[1:3])
 QUILLINV = os.path.join(BUILD, "quillinv")
+
+
+# A snapshot's head, or what stands below it; where the record has it; and what it is there.
+VALUES = [
+    ("timestamp=20260102030405.000000+60", ".scanned_at", "2026-01-02T02:04:05Z"),
+    ("timestamp=20251231203000.000000-480", ".scanned_at", "2026-01-01T04:30:00Z"),
+    ("timestamp=20260230030405.000000+60", ".scanned_at", None),
+    ("scan-time=42999", ".scan_seconds", 42), ("scan-time=", ".scan_seconds", None), ("scan-time=4e9", ".scan_seconds", None),
+    ("hostname=MAC\r\r", ".hostname", "MAC"), ("hostname=a\rb", ".hostname", "a\rb"), ("hostname=\r", ".hostname", None),
+    ("+OS=\n*os:1=\nuptime=00000012032741.000000:000\n-", ".os.uptime_seconds", 1049261),
+    ("+OS=\n*os:1=\nuptime=99999999999999999999.0\n-", ".os.uptime_seconds", None),
+    ("+OS=\n*os:1=\nname=Jaguar\nversion=S 12.6 (21G115)\n-", ".os.name", "macOS 12.6"),
+    ("+OS=\n*os:1=\nname=Jaguar\nversion=S 12.6 (21G115)\narchitecture=32-bit\n-", ".os.architecture", None),
+    ("+OS=\n*os:1=\nname=macOS 12 (Monterey)\nversion=12.6 (21G115)\n-", ".os.name", "macOS 12 (Monterey)"),
+    ("+Processors=\n*Processor:1=CPU #1\ncore-count=0\nl2-cache-size=9223372036854775807\n-", ".cpu",
+     {"model": None, "packages": 1, "cores": None, "speed_mhz": None, "l2_bytes": None, "l3_bytes": None}),
+    ("+Storage=\n+Logical-disks=\n*partition:1=\nfree=112.3\n~base-value=117756723\n~units=MB\nsize=2.5\n~units=MB\n-\n-",
+     ".volumes[0]|[.free_bytes,.size_bytes,.name]", [117756723, 2621440, None]),
+    ("+Storage=\n+Physical-disks=\n*HDD:1=\npartitions=1\n*CD:1=\n*Removable:1=\npartitions=1\n-\n+Logical-disks=\n*partition:1=\n"
+     "*partition:2=\n*partition:3=\n-\n-", "[.volumes[].disk]", [0, None, 2]),
+    ("+Storage=\n+Physical-disks=\n*HDD:1=\npartitions=9\n-\n+Logical-disks=\n*partition:1=\n-\n-", "[.volumes[].disk]", [None]),
+    ("+Video=\n+Monitors=\n*Monitor:1=\ngamma=2.00\nmanuf=?DEL\nvideo-input=128\nmax-resolution=2048 x 1280\n-\n-",
+     ".monitors[0]|[.gamma,.maker,.digital,.max_height_pixels]", [2.0, "DEL", True, 1280]),
+    ("+Software=\n*Soft:a=a\ninst-date=20160229\n64bit-app=1\n*Soft:b=b\ninst-date=20150229\n64bit-app=1\n~type=unknown\n*Soft:c=c\n-",
+     "[.software[]|[.modified,.is_64bit]]", [["2016-02-29", True], [None, None], [None, False]]),
+    ("+Peripherals=\n+USB=\n*Device:1=\ndevice-speed=5\n~units=Gbit-s\nvendor-id=0x046d  (Logitech (x))\nbus-power=500\n-\n-",
+     ".usb_devices[0]|[.speed_bits_per_second,.vendor_id,.vendor_name,.bus_power_ma]", [5000000000, "0x046d", "Logitech (x)", 500]),
+    ("+Network=\n+Adapters=\n*net-adapter:1=\nip-address=10.0.0.1, 10.0.0.2\n-\n-", ".network_adapters[0].ip_addresses", ["10.0.0.1", "10.0.0.2"]),
+]
 
 
 def run(*arguments, status=0):
@@ -120,6 +149,19 @@ class Records(unittest.TestCase):
             self.assertEqual([(s["name"], s["version"]) for s in record["software"]], [tuple(s) for s in mac["software"]])
             self.assertEqual(record["firewall"]["state"], {"0": "off", "1": "limited", "2": "block_all"}.get(mac["firewall"]))
             self.assertEqual([m["serial_number"] for m in record["monitors"]], [m[5] for m in mac["monitors"]])
+
+    @unittest.skipUnless(shutil.which("jq"), "jq is missing")
+    def test_values_become_what_their_field_wants(self):
+        path = os.path.join(SOURCE, "tests", "generate_fleet")
+        generator = importlib.util.module_from_spec(importlib.util.spec_from_loader("fleet", importlib.machinery.SourceFileLoader("fleet", path)))
+        generator.__loader__.exec_module(generator)
+        for text, query, expected in VALUES:
+            with open("one.inv", "wb") as file:
+                file.write(generator.container([("snapshot\ntimestamp=" + (re.findall("^timestamp=(.*)", text) or [""])[0] + "\nsnaptype=mac:1",
+                                                 generator.saved(f"+Snapshot=\n{text}\n*x=\n-\n"))]))
+            found = subprocess.run(["jq", "-c", query], input=run("records", "one.inv"), capture_output=True, text=True, check=True)
+            self.assertEqual(json.loads(found.stdout), expected, text)
+        self.assertIn('"gamma":2.2,', run("records", *self.fleet("--count", "9")[1]))
 
     def test_hostile_files_keep_the_types(self):
         known, files = self.fleet("--count", "80", "--hostile", "--damaged", "3")
