@@ -5,7 +5,7 @@
 const std::vector<const Command*>& Commands() {
   static const std::vector<const Command*> commands = {
       &kListCommand, &kShowCommand, &kJsonCommand, &kRecordsCommand, &kTableCommand, &kSchemaCommand,
-      &kCsvCommand,  &kFindCommand, &kDiffCommand, &kExtractCommand, &kCheckCommand};
+      &kCsvCommand,  &kFindCommand, &kDiffCommand, &kExtractCommand, &kCheckCommand, &kReportCommand};
   return commands;
 }
 

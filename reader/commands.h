@@ -21,6 +21,7 @@ extern const Command kFindCommand;
 extern const Command kDiffCommand;
 extern const Command kExtractCommand;
 extern const Command kCheckCommand;
+extern const Command kReportCommand;
 
 // list: the index as a table, below a row that names its columns.
 std::string ListText(const Document& document, bool header = true);

@@ -4,9 +4,18 @@ find_package(CLI11 CONFIG QUIET)
 find_package(nlohmann_json CONFIG QUIET)
 
 if(TARGET CLI11::CLI11 AND TARGET nlohmann_json::nlohmann_json)
+  # Style and script of the pages, in one source.
+  set(page_source ${PROJECT_BINARY_DIR}/page.cpp)
+  set(page_folder ${PROJECT_SOURCE_DIR}/reader/page)
+  add_custom_command(
+    OUTPUT ${page_source}
+    COMMAND ${CMAKE_COMMAND} -D FOLDER=${page_folder} -D OUT=${page_source} -P ${page_folder}/embed.cmake
+    DEPENDS ${page_folder}/embed.cmake ${page_folder}/page.html ${page_folder}/page.css ${page_folder}/page.js)
+
   file(GLOB reader_sources CONFIGURE_DEPENDS reader/*.cpp)
   list(FILTER reader_sources EXCLUDE REGEX "reader/quillinv\\.cpp$")
   add_library(reader STATIC ${reader_sources})
+  target_sources(reader PRIVATE ${page_source})
   target_link_libraries(reader PUBLIC zxml PRIVATE ZLIB::ZLIB nlohmann_json::nlohmann_json)
 
   add_executable(quillinv reader/quillinv.cpp)
