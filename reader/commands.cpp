@@ -4,8 +4,8 @@
 
 const std::vector<const Command*>& Commands() {
   static const std::vector<const Command*> commands = {
-      &kListCommand, &kShowCommand, &kJsonCommand, &kRecordsCommand, &kTableCommand, &kSchemaCommand,
-      &kCsvCommand,  &kFindCommand, &kDiffCommand, &kExtractCommand, &kCheckCommand, &kReportCommand};
+      &kListCommand, &kShowCommand, &kJsonCommand,    &kRecordsCommand, &kTableCommand,  &kSchemaCommand, &kCsvCommand,
+      &kFindCommand, &kDiffCommand, &kExtractCommand, &kCheckCommand,   &kReportCommand, &kFleetCommand};
   return commands;
 }
 

@@ -22,6 +22,7 @@ extern const Command kDiffCommand;
 extern const Command kExtractCommand;
 extern const Command kCheckCommand;
 extern const Command kReportCommand;
+extern const Command kFleetCommand;
 
 // list: the index as a table, below a row that names its columns.
 std::string ListText(const Document& document, bool header = true);
