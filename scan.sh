@@ -35,3 +35,9 @@ echo
 "$reader" show "$result" >shown.txt
 head -n 40 shown.txt
 echo "... ($(wc -l <shown.txt | tr -d ' ') lines: build/release/quillinv show 'build/scan/$result')"
+
+page=${result%.inv}.html
+"$reader" report "$result" -o "$page"
+echo
+echo "The same as a page to look at, in any browser: build/scan/$page"
+[ "$(uname -s)" != Darwin ] || echo "  open 'build/scan/$page'"
