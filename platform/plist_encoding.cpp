@@ -61,29 +61,6 @@ std::string DeclaredEncoding(std::string_view document) {
   return encoding;
 }
 
-// How many bytes the sequence at the start of `text` has; 0 when it is none.
-std::size_t SequenceLength(std::string_view text) {
-  struct Form {
-    unsigned char mask, lead;
-    char32_t least;  // the first code point that needs this many bytes
-  };
-  constexpr Form kForms[] = {{0x80, 0x00, 0}, {0xE0, 0xC0, 0x80}, {0xF0, 0xE0, 0x800}, {0xF8, 0xF0, 0x10000}};
-  const auto lead = static_cast<unsigned char>(text[0]);
-  for (std::size_t more = 0; more < 4; ++more) {
-    const Form& form = kForms[more];
-    if ((lead & form.mask) != form.lead) continue;
-    if (more >= text.size()) return 0;
-    char32_t character = lead & static_cast<unsigned char>(~form.mask);
-    for (std::size_t i = 1; i <= more; ++i) {
-      if ((text[i] & 0xC0) != 0x80) return 0;
-      character = character << 6 | (text[i] & 0x3F);
-    }
-    const bool isCodePoint = character <= 0x10FFFF && !IsHighSurrogate(character) && !IsLowSurrogate(character);
-    return isCodePoint && character >= form.least ? more + 1 : 0;
-  }
-  return 0;
-}
-
 }  // namespace
 
 std::optional<std::string_view> InUtf8(std::string_view document, std::string& room) {
@@ -114,13 +91,35 @@ void AppendUtf8(std::string& text, char32_t character) {
   append(0x80 | (character & 0x3F));
 }
 
+std::size_t Utf8SequenceSize(std::string_view text) {
+  struct Form {
+    unsigned char mask, lead;
+    char32_t least;  // the first code point that needs this many bytes
+  };
+  constexpr Form kForms[] = {{0x80, 0x00, 0}, {0xE0, 0xC0, 0x80}, {0xF0, 0xE0, 0x800}, {0xF8, 0xF0, 0x10000}};
+  const auto lead = static_cast<unsigned char>(text[0]);
+  for (std::size_t more = 0; more < 4; ++more) {
+    const Form& form = kForms[more];
+    if ((lead & form.mask) != form.lead) continue;
+    if (more >= text.size()) return 0;
+    char32_t character = lead & static_cast<unsigned char>(~form.mask);
+    for (std::size_t i = 1; i <= more; ++i) {
+      if ((text[i] & 0xC0) != 0x80) return 0;
+      character = character << 6 | (text[i] & 0x3F);
+    }
+    const bool isCodePoint = character <= 0x10FFFF && !IsHighSurrogate(character) && !IsLowSurrogate(character);
+    return isCodePoint && character >= form.least ? more + 1 : 0;
+  }
+  return 0;
+}
+
 bool IsUtf8(std::string_view text) {
   constexpr std::uint64_t kHighBits = 0x8080808080808080;
   while (!text.empty()) {
     std::uint64_t some = 0;
     const std::size_t size = std::min(text.size(), sizeof some);
     std::memcpy(&some, text.data(), size);
-    const std::size_t length = some & kHighBits ? SequenceLength(text) : size;
+    const std::size_t length = some & kHighBits ? Utf8SequenceSize(text) : size;
     if (length == 0) return false;
     text.remove_prefix(length);
   }

@@ -1,6 +1,7 @@
 // The characters of an XML property list as UTF-8, whichever of the known encodings the document is in.
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -12,6 +13,9 @@ std::optional<std::string_view> InUtf8(std::string_view document, std::string& r
 
 // Appends the UTF-8 form of a code point up to 0x10FFFF.
 void AppendUtf8(std::string& text, char32_t character);
+
+// How many bytes the UTF-8 sequence at the start of `text` has, which is not empty; 0 when there is none.
+std::size_t Utf8SequenceSize(std::string_view text);
 
 // Whether every byte belongs to a sequence for a code point: none cut, none longer than need be, no surrogate.
 bool IsUtf8(std::string_view text);

@@ -125,6 +125,8 @@ TEST(Profiler, OneSpoiledOutputCostsOneDataType) {
       {"(head -c 164; echo '<array/>'; echo '</plist>')", true},
       {"(echo 'caf\351 & <dict>'; cat)", false},
       {"(cat; echo done)", false},
+      {"(cat; echo 'a line that is longer than the tail')", false},
+      {"(d=$(cat); echo \"$d\"; echo \"$d\")", false},
       {"tr q '\351'", false},
       {"sed 1d", false},
   };

@@ -71,6 +71,12 @@ const char* LastResort(ProfilerPosition position) {
   return "";
 }
 
+// Whether a piece, with noise behind its document, ends the list that the pieces behind it belong to.
+bool EndsEarly(const std::string& document) {
+  constexpr char kEnd[] = "</plist>";
+  return document.find(kEnd) != document.rfind(kEnd);
+}
+
 }  // namespace
 
 ProfilerPiece RunProfilerType(const char* dataType, ProfilerPosition position, std::string& document) {
@@ -111,7 +117,7 @@ std::string RunWholeProfiler() {
 }
 
 PropertyList ParseProfilerData(ProfilerData data) {
-  PropertyList list = ParsePropertyList(data.document);
+  PropertyList list = EndsEarly(data.document) ? PropertyList() : ParsePropertyList(data.document);
   if (list.kind != PropertyListKind::Null) return list;
   list.kind = PropertyListKind::Array;
   for (const ProfilerPiece& piece : data.pieces) {
