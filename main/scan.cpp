@@ -35,12 +35,16 @@ void Log(const ScanSettings& settings, const char* text) {
   if (settings.log) LogLine("%s", text);
 }
 
-// Phases I to III: the raw tree, and what the property list says that the raw tree does not.
-TagTree Collect(const ScanSettings& settings, bool silent, Findings& findings) {
+ProfilerData CollectDocuments(const ScanSettings& settings, bool silent) {
   Log(settings, "I. Collecting Data....\n");
   ProfilerData data = CollectProfilerData(silent);
   Log(settings, "done\n");
-  PropertyList list = ParseProfilerData(std::move(data));
+  return data;
+}
+
+// Phases I to III: the raw tree, and what the property list says that the raw tree does not.
+TagTree Collect(const ScanSettings& settings, bool silent, Findings& findings) {
+  PropertyList list = ParseProfilerData(CollectDocuments(settings, silent));
   if (settings.modern) AddOlderKeys(list);
   CollectAssetSummary(list, findings.summary);
 

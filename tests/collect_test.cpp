@@ -127,6 +127,7 @@ TEST(Profiler, OneSpoiledOutputCostsOneDataType) {
       {"(cat; echo done)", false},
       {"(cat; echo 'a line that is longer than the tail')", false},
       {"(d=$(cat); echo \"$d\"; echo \"$d\")", false},
+      {"(cat; echo '<plist/> and more of another program')", false},
       {"tr q '\351'", false},
       {"sed 1d", false},
   };

@@ -71,10 +71,13 @@ const char* LastResort(ProfilerPosition position) {
   return "";
 }
 
-// Whether a piece, with noise behind its document, ends the list that the pieces behind it belong to.
-bool EndsEarly(const std::string& document) {
+// Whether a property list of that many elements can have ended before the joined document does: an output with more
+// behind its own end has its end in the middle. A usual output has one element, so that a usual list is not searched.
+bool EndsEarly(const ProfilerData& data, std::size_t elements) {
+  const auto usual =
+      std::count_if(data.pieces.begin(), data.pieces.end(), [](const ProfilerPiece& piece) { return piece.size > 0; });
   constexpr char kEnd[] = "</plist>";
-  return document.find(kEnd) != document.rfind(kEnd);
+  return elements != static_cast<std::size_t>(usual) && data.document.find(kEnd) != data.document.rfind(kEnd);
 }
 
 }  // namespace
@@ -116,9 +119,10 @@ std::string RunWholeProfiler() {
   return output;
 }
 
-PropertyList ParseProfilerData(ProfilerData data) {
-  PropertyList list = EndsEarly(data.document) ? PropertyList() : ParsePropertyList(data.document);
-  if (list.kind != PropertyListKind::Null) return list;
+PropertyList ParseProfilerData(const ProfilerData& data) {
+  PropertyList list = ParsePropertyList(data.document);
+  if (list.kind != PropertyListKind::Null && !EndsEarly(data, list.items.size())) return list;
+  list = PropertyList();
   list.kind = PropertyListKind::Array;
   for (const ProfilerPiece& piece : data.pieces) {
     PropertyList part = ParseProfilerOutput(piece.head + data.document.substr(piece.start, piece.size) + piece.tail);

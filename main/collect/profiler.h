@@ -31,9 +31,9 @@ ProfilerData CollectProfilerData(bool silent);
 // The document of all data types that the profiler knows, from one run; empty when five runs printed nothing.
 std::string RunWholeProfiler();
 
-// The property list of the joined document. When that has none, or one that ends before the last piece, what can be read
-// of each output by itself, in their order: one that spoils the whole costs its own data type alone.
-PropertyList ParseProfilerData(ProfilerData data);
+// The property list of the joined document. When that has none, or one that an output ends before the others, what can
+// be read of each output by itself, in their order: one that spoils the whole costs its own data type alone.
+PropertyList ParseProfilerData(const ProfilerData& data);
 
 // The property list of one output as the tool printed it, else of the document that SalvagedDocument finds in it; Null
 // when that has none either.
