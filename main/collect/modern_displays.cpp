@@ -95,7 +95,7 @@ void AddMainDisplay(PropertyList& result, const std::vector<PropertyList*>& adap
     const std::string* resolution = FirstText(main.display, {"spdisplays_resolution", "_spdisplays_resolution"});
     if (resolution) AddToSummary(result, "resolution", *resolution);
   }
-  if (!FindText(adapters.front(), "spdisplays_vram") && main.adapter && main.adapter != adapters.front()) {
+  if (!FindText(adapters.front(), "spdisplays_vram") && main.adapter) {
     const std::string* memory =
         FirstText(main.adapter, {"spdisplays_vram", "spdisplays_vram_shared", "_spdisplays_vram"});
     AddToSummary(result, "video-memory", memory ? *memory : std::string());
