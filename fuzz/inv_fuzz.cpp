@@ -4,6 +4,7 @@
 #include "reader/commands.h"
 #include "reader/csv.h"
 #include "reader/diff.h"
+#include "reader/record.h"
 #include "reader/show.h"
 #include "zxml/INVfile.h"
 
@@ -21,6 +22,7 @@ void CheckFile(std::string_view bytes) {
   CsvRow(document, DefaultColumns());
   ShowText(document, {});
   Require(!ListText(document).empty() && !DocumentJson(document, bytes.size() % 2 == 0).empty());
+  Require(RecordJson(document, {{"modes", "processes", "software_info", "environment"}}).back() == '\n');
   Require(FindDifferences(document, document, true).empty());
 }
 
