@@ -5,7 +5,9 @@
 
 #include "main/collect/command_runner.h"
 #include "platform/platform.h"
-#include "platform/plist_document.h"
+#include "platform/plist_limits.h"
+#include "platform/portable/plist_binary.h"
+#include "platform/portable/plist_xml.h"
 
 namespace {
 
@@ -13,6 +15,10 @@ constexpr std::string_view kSources = "io ls ds en ps di bu na";  // of tools, a
 std::array<std::string_view, 8> answers;
 
 std::string AnswerOf(std::string_view name) { return std::string(answers.at(kSources.find(name.substr(0, 2)) / 3)); }
+
+PropertyList ParseDocument(const std::string& document) {
+  return IsBinaryPropertyList(document) ? ReadBinaryList(document, kMaxBinaryValues) : ReadXmlList(document);
+}
 
 }  // namespace
 
@@ -31,7 +37,7 @@ std::string RunCommand(const std::string& command, std::size_t) {
 }
 
 PropertyList ParsePropertyList(std::string document) {
-  return ParseDocument(std::move(document));  // whatever its root: nothing may rely on an array
+  return ParseDocument(document);  // whatever its root: nothing may rely on an array
 }
 
 std::string FormatLocalTime(double seconds, DateForm) { return seconds < 0 ? "" : "20150302010203.000000 +0530"; }
@@ -44,6 +50,7 @@ std::optional<ProcessTable> ReadProcessTable() {
   return ProcessTable{{{0, 0, "kernel_task"}, {7, 1, AnswerOf("name")}}};
 }
 
-std::vector<Bundle> LoadBundles(const std::string& folder) {
-  return {{AnswerOf("name"), folder, ParseDocument(AnswerOf("bundle"))}, {"B.plugin", folder, PropertyList()}};
+void ForEachBundle(const std::string& folder, const std::function<void(const Bundle&)>& take) {
+  take({AnswerOf("name"), folder, ParseDocument(AnswerOf("bundle"))});
+  take({"B.plugin", folder, PropertyList()});
 }
