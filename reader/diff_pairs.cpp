@@ -23,7 +23,7 @@ constexpr char kSeparator = '\0';         // no text of a tree holds it
 struct Identification {
   std::string_view tag;
   std::string_view first;
-  std::string_view second = "";
+  std::string_view second = {};
   bool unique = false;  // of two that have it and differ, nothing else makes the same
 };
 
