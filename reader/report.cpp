@@ -4,6 +4,7 @@
 #include <ctime>
 
 #include "reader/commands.h"
+#include "reader/files.h"
 #include "reader/html.h"
 #include "reader/record_view.h"
 #include "reader/report_drawings.h"
@@ -97,10 +98,10 @@ std::string NavigationHtml(const std::vector<TablePart>& parts, std::size_t alar
 }
 
 int RunReport(const Arguments& arguments) {
+  std::vector<std::string> paths;
   Document document;
-  const std::string& path = arguments.files.front();
   std::string trouble;
-  if (!Load(path, arguments.limit, document)) return kTrouble;
+  if (!ListExactly(arguments, "report", 1, paths) || !Load(paths[0], arguments.limit, document)) return kTrouble;
   if (WriteExtract(ReportPage(document, std::time(nullptr)), arguments.output, trouble))
     return document.faults.empty() ? kSound : kTrouble;
   Complain(arguments.output, trouble);
