@@ -4,7 +4,9 @@
 #include "reader/commands.h"
 #include "reader/csv.h"
 #include "reader/diff.h"
+#include "reader/fleet.h"
 #include "reader/record.h"
+#include "reader/report.h"
 #include "reader/show.h"
 #include "zxml/INVfile.h"
 
@@ -24,6 +26,9 @@ void CheckFile(std::string_view bytes) {
   Require(!ListText(document).empty() && !DocumentJson(document, bytes.size() % 2 == 0).empty());
   Require(RecordJson(document, {{"modes", "processes", "software_info", "environment"}}).back() == '\n');
   Require(FindDifferences(document, document, true).empty());
+  Fleet fleet;
+  AddToFleet(document, 0, fleet);
+  Require(!ReportPage(document, 0).empty() && !FleetPage(fleet, 0).empty());
 }
 
 void CheckForms(const std::string& text) {

@@ -12,7 +12,8 @@ namespace {
 constexpr std::size_t kShortText = 22;   // characters that a column keeps on one line
 constexpr std::size_t kPlainTitle = 32;  // characters of a meaning that says no more than the title
 constexpr std::string_view kInfoTable = "software_info";
-constexpr std::size_t kFilterRows = 6;  // shorter tables need no filter
+constexpr std::size_t kManyColumns = 9;  // that a sheet of paper has room for
+constexpr std::size_t kFilterRows = 6;   // shorter tables need no filter
 
 struct Column {
   const RecordField* field = nullptr;
@@ -112,7 +113,7 @@ std::string TableHtml(const RecordTable& table, const std::vector<RecordRow>& ro
     for (std::size_t i = 0; i < columns.size(); ++i) html += CellHtml(columns[i], row, i == head);
     html += "</tr>\n";
   }
-  return ScrollTable(id, "data", html + "</tbody>");
+  return ScrollTable(id, columns.size() > kManyColumns ? "data many" : "data", html + "</tbody>");
 }
 
 std::string ListHtml(const TablePart& part, const std::string& body, bool open) {
