@@ -66,6 +66,8 @@ void CheckVolumes(const RecordSource& source, Alarms& alarms) {
 }
 
 void CheckDisks(const RecordSource& source, Alarms& alarms) {
+  for (const RecordView& volume : ViewsOf("volumes", source))
+    if (!NumberOf(volume, "disk")) return;  // it may be on any of them
   for (const RecordView& disk : ViewsOf("disks", source)) {
     if (ShownOf(disk, "kind") == "drive" || NumberOf(disk, "partitions").value_or(0) != 0) continue;
     const std::string size = ShownOf(disk, "size_bytes");

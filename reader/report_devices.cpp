@@ -1,4 +1,4 @@
-// Draws monitors, memory slots, USB devices and network adapters.
+// Draws memory slots, USB devices and network adapters.
 #include <algorithm>
 #include <map>
 
@@ -7,76 +7,6 @@
 #include "reader/report_drawings.h"
 
 namespace {
-
-constexpr double kMostPixels = 5;      // of the drawing for a centimetre of a monitor
-constexpr double kRowPixels = 400;     // that the monitors of a desk share
-constexpr double kWidestPixels = 270;  // for one monitor: a small window has no more room
-constexpr int kFootPixels = 14;
-
-struct Monitor {
-  RecordView view;
-  double width = 0;  // centimetres
-  double height = 0;
-};
-
-std::string Pixels(double number) { return std::to_string(static_cast<int>(number)); }
-
-std::string MonitorName(const RecordView& view) {
-  const std::string model = ShownOf(view, "model");
-  if (!model.empty()) return model;
-  const std::string product = ShownOf(view, "product");
-  return product.empty() ? "Monitor without a name" : product;
-}
-
-std::string ResolutionText(const RecordView& view) {
-  const auto width = NumberOf(view, "max_width_pixels");
-  const auto height = NumberOf(view, "max_height_pixels");
-  return width && height ? std::to_string(*width) + " × " + std::to_string(*height) : "";
-}
-
-// The screen with its foot; size and resolution stand on it.
-std::string ScreenHtml(const Monitor& monitor, double scale, const std::string& resolution, const std::string& label) {
-  const double width = monitor.width * scale;
-  const double height = monitor.height * scale;
-  const std::string middle = Pixels(width / 2);
-  const std::string inches = ShownOf(monitor.view, "diagonal_in");
-  const std::string all = Pixels(width) + "\" height=\"" + Pixels(height + kFootPixels);
-  return "<svg width=\"" + all + "\" viewBox=\"0 0 " + Pixels(width) + " " + Pixels(height + kFootPixels) +
-         "\" role=\"img\" aria-label=\"" + HtmlText(label) + "\"><rect class=\"glass\" x=\"1\" y=\"1\" width=\"" +
-         Pixels(width - 2) + "\" height=\"" + Pixels(height - 2) + "\" rx=\"5\"/><path class=\"foot\" d=\"M" + middle +
-         " " + Pixels(height) + "v11m-22 0h44\"/><text x=\"" + middle + "\" y=\"" +
-         Pixels(height / 2 + (resolution.empty() ? 6 : 0)) + "\">" + inches + "</text><text class=\"small\" x=\"" +
-         middle + "\" y=\"" + Pixels(height / 2 + 18) + "\">" + HtmlText(resolution) + "</text></svg>";
-}
-
-// Of the main monitor, such as "2560 x 1440 @ 60 Hz".
-std::string CurrentResolution(const RecordSource& source) {
-  const Tag* control = source.asset ? FindChild(*source.asset, "control") : nullptr;
-  std::string text = control ? TextOf(FindAttribute(*control, "video-res")) : "";
-  const std::size_t cross = text.find(" x ");
-  return cross == text.npos ? text : text.replace(cross, 3, " × ");
-}
-
-std::string MonitorHtml(const Monitor& monitor, double scale, const std::string& current) {
-  const RecordView& view = monitor.view;
-  const bool main = FlagOf(view, "main").value_or(false);
-  const std::string most = ResolutionText(view);
-  const std::string now = main ? current : "";
-  const std::string year = ShownOf(view, "made_year");
-  const std::string week = ShownOf(view, "made_week");
-  const std::string serial = ShownOf(view, "serial_number");
-  const bool sized = monitor.width > 0 && monitor.height > 0;
-  const std::string size =
-      sized ? ShownOf(view, "width_cm") + " × " + ShownOf(view, "height_cm") : std::string("size not known");
-  const std::string about = Joined({main ? "main monitor" : "", size, now.empty() ? "" : "set to " + now,
-                                    most.empty() ? "" : "largest standard mode " + most,
-                                    year.empty() ? "" : "made " + year + (week.empty() ? "" : ", week " + week),
-                                    serial.empty() ? "" : "serial number " + serial});
-  const std::string name = MonitorName(view);
-  std::string html = "<figure>";
-  if (sized) html += ScreenHtml(monitor, scale, now.empty() ? most : now, name + ", " + ShownOf(view, "diagonal_in"));
-  return html + "<figcaption>" + FileText("b", name) + FileText("span", about, "soft") + "</figcaption></figure>";
-}
 
 constexpr char kModule[] =
     R"(<svg viewBox="0 0 120 34" aria-hidden="true"><path class="board" d="M1 1H119V33H64V29H58V33H1Z"/>)"
@@ -143,10 +73,15 @@ std::vector<Maker> MakersOf(const RecordSource& source) {
 
 std::string UsbDeviceHtml(const UsbDevice& device, double most) {
   const auto share = [most](std::int64_t current) { return most > 0 ? static_cast<double>(current) / most * 100 : 0; };
+  const std::string power = device.offered == 0 && device.drawn == 0
+                                ? "power not told"
+                                : Grouped(device.drawn) + " of " + Grouped(device.offered) + " mA";
   return "<li>" + FileText("span", device.name.empty() ? "Device without a name" : device.name) +
          HtmlBar(10, "", {{"free", 0, share(device.offered)}, {"used", 0, share(device.drawn)}}) +
-         "<span class=\"num\">" + Grouped(device.drawn) + " of " + Grouped(device.offered) + " mA</span></li>";
+         "<span class=\"num\">" + power + "</span></li>";
 }
+
+std::string HeadNote(const std::string& text) { return "<span class=\"soft\">" + HtmlText(text) + "</span>"; }
 
 std::string AdapterHtml(const RecordView& adapter) {
   const std::string addresses = ShownOf(adapter, "ip_addresses");
@@ -166,31 +101,7 @@ std::string AdapterHtml(const RecordView& adapter) {
   return html + "</dl></li>";
 }
 
-std::string Beside(const std::string& text) { return "<span class=\"soft\">" + HtmlText(text) + "</span>"; }
-
 }  // namespace
-
-std::string MonitorsHtml(const RecordSource& source) {
-  std::vector<Monitor> monitors;
-  double sum = 0;
-  double widest = 0;
-  for (const RecordView& view : ViewsOf("monitors", source)) {
-    const auto size = [&view](std::string_view field) {
-      return std::clamp(static_cast<double>(NumberOf(view, field).value_or(0)), 0.0, 1000.0);
-    };
-    monitors.push_back({view, size("width_cm"), size("height_cm")});
-    sum += monitors.back().width;
-    widest = std::max(widest, monitors.back().width);
-  }
-  const double scale =
-      widest > 0 ? std::min({kMostPixels, kWidestPixels / widest, std::max(kRowPixels / sum, 2.0)}) : 1;
-  const std::string current = CurrentResolution(source);
-  std::string html;
-  for (const Monitor& monitor : monitors) html += MonitorHtml(monitor, scale, current);
-  return html.empty()
-             ? ""
-             : CardHtml("monitors-drawn", "Monitors", Beside("to scale"), "<div class=\"desk\">" + html + "</div>");
-}
 
 std::string SlotsHtml(const RecordSource& source) {
   std::string html;
@@ -203,8 +114,9 @@ std::string SlotsHtml(const RecordSource& source) {
   const std::string total = ShownOf(ViewsOf("macs", source).front(), "memory_bytes");
   const std::string extra =
       (total.empty() ? "" : total + " in ") + std::to_string(used) + " of " + Counted(slots.size(), "slot", "slots");
-  return html.empty() ? ""
-                      : CardHtml("slots-drawn", "Memory slots", Beside(extra), "<ul class=\"slots\">" + html + "</ul>");
+  return html.empty()
+             ? ""
+             : CardHtml("slots-drawn", "Memory slots", HeadNote(extra), "<ul class=\"slots\">" + html + "</ul>");
 }
 
 std::string UsbHtml(const RecordSource& source) {
@@ -219,14 +131,14 @@ std::string UsbHtml(const RecordSource& source) {
   for (const Maker& maker : makers) {
     drawn += maker.drawn;
     count += maker.devices.size();
-    html +=
-        "<li><h4>" + FileText("span", maker.name) + Beside(Grouped(maker.drawn) + " mA") + "</h4><ul class=\"draws\">";
+    html += "<li><h4>" + FileText("span", maker.name) + HeadNote(Grouped(maker.drawn) + " mA") +
+            "</h4><ul class=\"draws\">";
     for (const UsbDevice& device : maker.devices) html += UsbDeviceHtml(device, most);
     html += "</ul></li>";
   }
   if (html.empty()) return "";
   return CardHtml("usb-drawn", "USB devices",
-                  Beside(Counted(count, "device", "devices") + ", " + Grouped(drawn) + " mA drawn"),
+                  HeadNote(Counted(count, "device", "devices") + ", " + Grouped(drawn) + " mA drawn"),
                   "<ul class=\"makers\">" + html + "</ul>", true);
 }
 

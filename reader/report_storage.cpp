@@ -97,14 +97,15 @@ double SizeOf(const RecordView& disk) {
   return std::max(0.0, static_cast<double>(NumberOf(disk, "size_bytes").value_or(0)));
 }
 
-std::string DiskHtml(const RecordView& disk, const std::vector<Volume>& volumes, double largest) {
+// `allKnown`: there is no volume whose disk is not known.
+std::string DiskHtml(const RecordView& disk, const std::vector<Volume>& volumes, double largest, bool allKnown) {
   const bool drive = ShownOf(disk, "kind") == "drive";
   std::string model = ShownOf(disk, "model");
   if (model.empty()) model = "Disk without a name";
   const std::string size = ShownOf(disk, "size_bytes");
   const std::string serial = ShownOf(disk, "serial_number");
   const std::string what = drive ? "drive without a disk of its own" : size;
-  const std::string none = !drive && volumes.empty() ? "no volume" : "";
+  const std::string none = !drive && volumes.empty() && allKnown ? "no volume" : "";
   const std::string about = Joined({what, ShownOf(disk, "interface"), ShownOf(disk, "maker"),
                                     serial.empty() ? "" : "serial number " + serial, none});
   std::string html = "<li class=\"disk\"><h4>" + FileText("span", model) + FileText("span", about, "soft") + "</h4>";
@@ -151,7 +152,7 @@ std::string StorageHtml(const RecordSource& source) {
   double largest = 0;
   for (const RecordView& disk : disks) largest = std::max(largest, SizeOf(disk));
   std::string html;
-  for (std::size_t i = 0; i < disks.size(); ++i) html += DiskHtml(disks[i], volumesOf[i], largest);
+  for (std::size_t i = 0; i < disks.size(); ++i) html += DiskHtml(disks[i], volumesOf[i], largest, others.empty());
   if (!others.empty()) {
     double sum = 0;
     for (const Volume& volume : others) sum += volume.size;
