@@ -3,7 +3,7 @@
 # Usage: ./scan.sh [recording folder] [agent options]
 set -eu
 root=$(cd -P -- "$(dirname -- "$0")" && pwd -P)
-"$root/.ci/install-missing" g++ make cmake pkg-config zlib1g-dev libplist-dev libexpat1-dev libcli11-dev nlohmann-json3-dev tzdata
+"$root/.ci/install-missing" g++ make cmake pkg-config zlib1g-dev libplist-dev libcli11-dev nlohmann-json3-dev tzdata
 "$root/.ci/build" release -DBUILD_TESTING=OFF | tail -n 1
 
 recording=$root/recordings/macbook-2015-10.11.6

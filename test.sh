@@ -3,7 +3,7 @@
 # Usage: ./test.sh [ctest options, such as -R scan]
 set -eu
 cd "$(dirname -- "$0")"
-.ci/install-missing g++ make cmake pkg-config zlib1g-dev libplist-dev libexpat1-dev libcli11-dev nlohmann-json3-dev libgtest-dev \
+.ci/install-missing g++ make cmake pkg-config zlib1g-dev libplist-dev libcli11-dev nlohmann-json3-dev libgtest-dev \
   python3 python3-jsonschema tzdata
 .ci/build dev
 cd build/dev
