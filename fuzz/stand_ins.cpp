@@ -16,7 +16,7 @@ std::array<std::string_view, 8> answers;
 
 std::string AnswerOf(std::string_view name) { return std::string(answers.at(kSources.find(name.substr(0, 2)) / 3)); }
 
-PropertyList ParseDocument(const std::string& document) {
+PropertyList ParseDocument(std::string_view document) {
   return IsBinaryPropertyList(document) ? ReadBinaryList(document, kMaxBinaryValues) : ReadXmlList(document);
 }
 
@@ -36,7 +36,7 @@ std::string RunCommand(const std::string& command, std::size_t) {
   return answer.empty() && command[0] == 'l' ? "\n" : answer;  // on a Mac, users are asked for until there are some
 }
 
-PropertyList ParsePropertyList(std::string document) {
+PropertyList ParsePropertyList(std::string_view document) {
   return ParseDocument(document);  // whatever its root: nothing may rely on an array
 }
 

@@ -190,7 +190,7 @@ PropertyList ConvertRoot(CFTypeRef object, Allowance& allowance) {
   return list;
 }
 
-bool IsSafe(const std::string& document, std::size_t mostValues) {
+bool IsSafe(std::string_view document, std::size_t mostValues) {
   return IsBinaryPropertyList(document) ? BinaryNestingIsSafe(document, mostValues) : XmlNestingIsSafe(document);
 }
 
@@ -269,11 +269,10 @@ CFDateFormatterRef FormatterFor(DateForm form) {
 
 }  // namespace
 
-PropertyList ParsePropertyList(std::string document) {
+PropertyList ParsePropertyList(std::string_view document) {
   if (!IsSafe(document, kMaxBinaryValues)) return PropertyList();
   const Owned<CFDataRef> data(
       CFDataCreate(nullptr, reinterpret_cast<const UInt8*>(document.data()), static_cast<CFIndex>(document.size())));
-  std::string().swap(document);
   if (!data) throw std::bad_alloc();
   const Owned<CFPropertyListRef> root(ParseData(data.get()));
   if (!root || CFGetTypeID(root.get()) != CFArrayGetTypeID()) return PropertyList();

@@ -7,13 +7,13 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/property_list.h"
 
-// The property list in `document` (XML or binary), which is released as soon as it is parsed. Null when the document
-// cannot be parsed or its root is not an array.
-PropertyList ParsePropertyList(std::string document);
+// The property list in `document` (XML or binary). Null when the document cannot be parsed or its root is not an array.
+PropertyList ParsePropertyList(std::string_view document);
 
 enum class DateForm { Full, Short };
 

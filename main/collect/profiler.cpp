@@ -133,5 +133,6 @@ PropertyList ParseProfilerData(const ProfilerData& data) {
 
 PropertyList ParseProfilerOutput(const std::string& output) {
   PropertyList list = ParsePropertyList(output);
-  return list.kind == PropertyListKind::Null ? ParsePropertyList(SalvagedDocument(output)) : list;
+  if (list.kind == PropertyListKind::Null) return ParsePropertyList(SalvagedDocument(output));
+  return list;
 }

@@ -108,9 +108,8 @@ PropertyList InformationOf(const std::string& bundle, std::size_t& valuesLeft) {
 
 }  // namespace
 
-PropertyList ParsePropertyList(std::string document) {
+PropertyList ParsePropertyList(std::string_view document) {
   PropertyList list = ParseDocument(document, kMaxBinaryValues);
-  document = std::string();
   return list.kind == PropertyListKind::Array ? std::move(list) : PropertyList();
 }
 
