@@ -93,7 +93,7 @@ FleetGroups GroupsOf(const Fleet& fleet, FleetCount count);
 // The counts as cards of bars.
 std::string FleetCountsHtml(const Fleet& fleet, const std::vector<FleetGroups>& counts,
                             const std::vector<FleetTitle>& titles);
-// What the script makes the lists from: docs are in reader/page/page.js.
+// What the script makes the lists from; fleet_json.cpp describes its shape.
 std::string FleetJson(const Fleet& fleet, const std::vector<FleetGroups>& counts,
                       const std::vector<FleetTitle>& titles);
 

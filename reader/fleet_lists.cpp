@@ -29,16 +29,17 @@ std::string LiveListHtml(const std::string& id, const std::string& title, const 
 // For a browser without scripts.
 std::string PlainListHtml(const Fleet& fleet) {
   std::string html =
-      "<noscript><h2>All Macs</h2><div class=\"card\"><p>Searching, sorting and the facts of each Mac need the page's "
+      "<noscript><section class=\"live\"><h2>All Macs</h2><div class=\"card\"><p>Searching, sorting and the facts of "
+      "each Mac need the page's "
       "script.</p>"
       "<div class=\"scroll\"><table>" +
       HeadsHtml(kMacHeads) + "<tbody>\n";
   for (const FleetMac& mac : fleet.macs) {
     html += "<tr>";
-    for (const FleetCell& cell : mac.cells) html += "<td>" + HtmlText(cell.text) + "</td>";
+    for (std::size_t i = 0; i < mac.cells.size(); ++i) html += FileText("td", mac.cells[i].text, kMacHeads[i].kind);
     html += "</tr>\n";
   }
-  return html + "</tbody></table></div></div></noscript>\n";
+  return html + "</tbody></table></div></div></section></noscript>\n";
 }
 
 using Sharing = std::map<std::string, std::vector<const FleetMac*>>;

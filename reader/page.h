@@ -1,5 +1,5 @@
-// The page around title and body: the document's head with style and policy, and its foot with the script. Made from the
-// files in reader/page by the build.
+// The page around title and body: the document's head with style and policy, and its foot with the script. Made from
+// the files in reader/page by the build.
 #pragma once
 
 #include <string_view>
