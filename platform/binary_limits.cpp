@@ -27,7 +27,7 @@ class BinaryObjects {
  private:
   struct Total {
     std::size_t values = 0;  // 0 while unknown
-    std::size_t height = 0;
+    std::size_t height = 0;  // of containers, itself included
     bool open = false;
     bool holdsZero = false;  // UTF-16 text with a zero character: as a key it makes libplist abort
   };
@@ -63,6 +63,7 @@ class BinaryObjects {
   // The references of a container, which are read where they lie.
   struct References {
     std::uint64_t at = 0, count = 0;
+    bool ofContainer = false;
     bool ofDictionary = false;  // the first half are its keys
   };
 
@@ -73,6 +74,7 @@ class BinaryObjects {
     const std::uint64_t type = ReadHead(at, length);
     if (type != kArray && type != kSet && type != kDictionary) return references;
     references.at = at;
+    references.ofContainer = true;
     references.ofDictionary = type == kDictionary;
     references.count = references.ofDictionary ? length * 2 : length;
     return references;
@@ -91,17 +93,18 @@ class BinaryObjects {
     return total;
   }
 
-  // Values below and including `object`, 0 when it is not safe.
+  // Values below and including `object`, 0 when it is not safe. `depth` is 1 for the root.
   std::size_t Measure(std::uint64_t object, std::size_t depth) {
     if (object >= count_) return 1;
     Total& total = totals_[static_cast<std::size_t>(object)];
-    if (total.open || depth + total.height > kMaxOpenContainers + 1) return 0;
+    if (total.open || depth - 1 + total.height > kMaxOpenContainers) return 0;
     if (total.values) return total.values;
     const std::uint64_t at = OffsetOf(object);
     total = MeasureItself(at);
     total.open = true;
     std::size_t values = total.values, height = 0;
     const References references = ReferencesOf(at);
+    if (references.ofContainer && depth > kMaxOpenContainers) return 0;
     for (std::uint64_t i = 0; i < references.count; ++i) {
       const std::uint64_t reference = Number(references.at + i * referenceSize_, referenceSize_);
       const std::size_t below = Measure(reference, depth + 1);
@@ -110,11 +113,11 @@ class BinaryObjects {
       if (reference >= count_) continue;
       const Total& held = totals_[static_cast<std::size_t>(reference)];
       if (references.ofDictionary && i < references.count / 2 && held.holdsZero) return 0;
-      height = std::max(height, held.height + 1);
+      height = std::max(height, held.height);
     }
     total.open = false;
     total.values = values;
-    total.height = height;
+    total.height = references.ofContainer ? height + 1 : 0;
     return values;
   }
 
