@@ -35,7 +35,9 @@ void AppendCommandOutput(const std::string& command, std::size_t chunkSize, std:
   std::FILE* stream = popen(command.c_str(), "r");
   if (!stream) return;
   const std::size_t start = output.size();
-  const std::unique_ptr<char[]> chunk(new char[chunkSize]);
+  const std::unique_ptr<char[]> chunk(new char[chunkSize]), buffer(new char[chunkSize]);
+  // A stream reads as much at a time as its buffer holds, and each read waits for the tool.
+  if (chunkSize > BUFSIZ) std::setvbuf(stream, buffer.get(), _IOFBF, chunkSize);
   std::size_t count = 0;
   for (int attempt = 0; attempt < kFirstReadAttempts && count == 0; ++attempt)
     count = ReadChunk(stream, chunk.get(), chunkSize, output);
