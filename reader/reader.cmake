@@ -20,8 +20,6 @@ if(TARGET CLI11::CLI11 AND TARGET nlohmann_json::nlohmann_json)
 
   add_executable(quillinv reader/quillinv.cpp)
   target_link_libraries(quillinv PRIVATE reader CLI11::CLI11)
-  install(TARGETS quillinv RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-  install(FILES man/quillinv.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 
   # `cmake --build FOLDER --target reference` writes the documents that are made from the table of the records' fields.
   set(reference_commands COMMAND quillinv schema reference > ${PROJECT_SOURCE_DIR}/docs/records.md
