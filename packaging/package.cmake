@@ -2,11 +2,33 @@
 # Debian package of the reader with the replay tools, and an archive of the sources.
 set(share ${CMAKE_INSTALL_DATADIR}/quillinv)
 install(TARGETS quillagent RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT agent)
-install(FILES man/quillagent.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT agent)
+configure_file(man/quillagent.1 man/quillagent.1 @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/man/quillagent.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT agent)
+
+# Where each shell looks for what it completes command lines with, and how it wants the file named.
+set(bash_place ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+set(zsh_place ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
+set(fish_place ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+function(install_completions program folder component)
+  install(FILES ${folder}/${program}.bash DESTINATION ${bash_place} RENAME ${program} COMPONENT ${component})
+  install(FILES ${folder}/${program}.zsh DESTINATION ${zsh_place} RENAME _${program} COMPONENT ${component})
+  install(FILES ${folder}/${program}.fish DESTINATION ${fish_place} COMPONENT ${component})
+endfunction()
+install_completions(quillagent ${PROJECT_SOURCE_DIR}/packaging/completions agent)
 
 if(TARGET quillinv)
   install(TARGETS quillinv RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT reader)
-  install(FILES man/quillinv.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT reader)
+  configure_file(man/quillinv.1 man/quillinv.1 @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/man/quillinv.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT reader)
+  set(completions ${PROJECT_BINARY_DIR}/completions)
+  file(MAKE_DIRECTORY ${completions})
+  foreach(shell bash zsh fish)
+    add_custom_command(OUTPUT ${completions}/quillinv.${shell} DEPENDS quillinv
+                       COMMAND quillinv completion ${shell} > ${completions}/quillinv.${shell} VERBATIM)
+    list(APPEND completion_files ${completions}/quillinv.${shell})
+  endforeach()
+  add_custom_target(completions ALL DEPENDS ${completion_files})
+  install_completions(quillinv ${completions} reader)
   install(DIRECTORY schema DESTINATION ${share} COMPONENT reader)
   install(FILES docs/fleet.md docs/inv-format.md docs/json.md docs/recording-format.md docs/records.md docs/vocabulary.md
           DESTINATION ${share}/docs COMPONENT reader)

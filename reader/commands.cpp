@@ -4,8 +4,9 @@
 
 const std::vector<const Command*>& Commands() {
   static const std::vector<const Command*> commands = {
-      &kListCommand, &kShowCommand, &kJsonCommand,    &kRecordsCommand, &kTableCommand,  &kSchemaCommand, &kCsvCommand,
-      &kFindCommand, &kDiffCommand, &kExtractCommand, &kCheckCommand,   &kReportCommand, &kFleetCommand};
+      &kListCommand,   &kShowCommand,   &kJsonCommand,  &kRecordsCommand,   &kTableCommand,
+      &kSchemaCommand, &kCsvCommand,    &kFindCommand,  &kDiffCommand,      &kExtractCommand,
+      &kCheckCommand,  &kReportCommand, &kFleetCommand, &kCompletionCommand};
   return commands;
 }
 

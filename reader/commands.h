@@ -23,6 +23,7 @@ extern const Command kExtractCommand;
 extern const Command kCheckCommand;
 extern const Command kReportCommand;
 extern const Command kFleetCommand;
+extern const Command kCompletionCommand;
 
 // list: the index as a table, below a row that names its columns.
 std::string ListText(const Document& document, bool header = true);

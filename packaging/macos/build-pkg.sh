@@ -56,7 +56,8 @@ trap 'exit 2' HUP INT TERM
 set -e
 mkdir -p "$work/root/usr/local/bin" "$work/root/usr/local/share/man/man1"
 install -m 755 "$binary" "$work/root/usr/local/bin/quillagent"
-install -m 644 "$root/man/quillagent.1" "$work/root/usr/local/share/man/man1/quillagent.1"
+sed "1s/@PROJECT_VERSION@/$version/" "$root/man/quillagent.1" >"$work/root/usr/local/share/man/man1/quillagent.1"
+chmod 644 "$work/root/usr/local/share/man/man1/quillagent.1"
 
 if [ -n "${QUILL_SIGN_BINARY-}" ]; then
   codesign --force --options runtime --timestamp --identifier "$identifier" --sign "$QUILL_SIGN_BINARY" \
