@@ -29,5 +29,7 @@ if(TARGET CLI11::CLI11 AND TARGET nlohmann_json::nlohmann_json)
   endforeach()
   add_custom_target(reference ${reference_commands} VERBATIM)
 else()
-  message(STATUS "CLI11 or nlohmann-json was not found: quillinv is not built")
+  # On standard error, so that it is seen where the rest of what CMake says is not.
+  message(NOTICE "quillinv, the reader, is left out without CLI11 and nlohmann-json. To get them: "
+                 "apt-get install libcli11-dev nlohmann-json3-dev, or brew install cli11 nlohmann-json")
 endif()
