@@ -30,7 +30,8 @@ if(TARGET quillinv)
   add_custom_target(completions ALL DEPENDS ${completion_files})
   install_completions(quillinv ${completions} reader)
   install(DIRECTORY schema DESTINATION ${share} COMPONENT reader)
-  install(FILES docs/fleet.md docs/inv-format.md docs/json.md docs/recording-format.md docs/records.md docs/vocabulary.md
+  install(FILES docs/faults.md docs/fleet.md docs/inv-format.md docs/json.md docs/recording-format.md docs/records.md
+          docs/support.md docs/vocabulary.md
           DESTINATION ${share}/docs COMPONENT reader)
 endif()
 
