@@ -1,26 +1,57 @@
 #!/usr/bin/env python3
-"""Runs every command of docs/fleet.md with the real engines, on two generated fleets, and checks the answers against
-what the generator knows. Arguments: source folder, build folder. Skipped (status 77) where an engine is missing, unless
-QUILL_ENGINES is "required"."""
+"""Runs the commands of the documents as a reader of them would. Those of docs/fleet.md run with the real engines on two
+generated fleets, and their answers are checked against what the generator knows; the others have to end well. A block
+"sh macos" is for a Mac; the commands of a block "sh ci" are those of .ci/run and .ci/package. Arguments: source folder,
+build folder. What wants an engine that is missing is skipped, unless QUILL_ENGINES is "required"."""
 import collections, csv, io, json, os, re, shutil, subprocess, sys, tempfile, time, unittest
 
 SOURCE, BUILD = (os.path.abspath(path) for path in sys.argv[1:3])
 DUCKDB = os.path.join(SOURCE, "build", "engines", "node_modules", "@duckdb", "node-api")
 MISSING = [name for name in ("jq", "sqlite3", "node") if not shutil.which(name)] + ([] if os.path.isdir(DUCKDB) else ["DuckDB"])
+REQUIRED = os.environ.get("QUILL_ENGINES") == "required"
 OPTIONS = ["--count", "200", "--before", "40", "--debug", "4", "--damaged", "3"]
 
 
-def blocks():
-    """[(heading, command)] of the document, in its order."""
-    with open(os.path.join(SOURCE, "docs", "fleet.md"), encoding="utf-8") as file:
-        text = file.read()
+FLEET = os.path.join("docs", "fleet.md")
+DOCUMENTS = [name for name in ["README.md", "CONTRIBUTING.md", "SECURITY.md", os.path.join("packaging", "README.md")] + sorted(
+    os.path.join("docs", name) for name in os.listdir(os.path.join(SOURCE, "docs")) if name.endswith(".md")) if name != FLEET]
+MEASURES = os.path.join("docs", "performance.md")  # its commands measure for minutes; .ci/run runs the first of them
+COMMAND = re.compile(r"(\./|\.ci/|replay/|packaging/|sudo |quillinv|quillagent|cmake|cpack|ctest|python3|fuzz/|bench/)")
+
+
+def read(*path):
+    with open(os.path.join(SOURCE, *path), encoding="utf-8") as file:
+        return file.read()
+
+
+def blocks(document, kind="sh"):
+    """[(heading, text)] of the blocks of a kind, in the document's order; those without a mark, and indented ones, are "".
+    """
     found, heading = [], ""
-    for part in re.finditer(r"^#+ ([^\n]*)$|^```sh\n(.*?)^```$", text, re.M | re.S):
+    for part in re.finditer(r"^#+ ([^\n]*)$|^```([^\n]*)\n(.*?)^```$|((?:^    [^\n]+\n)+)", read(document), re.M | re.S):
         if part[1]:
             heading = part[1]
-        else:
-            found.append((heading, part[2]))
+        elif (part[2] or "") == kind:
+            found.append((heading, part[4] or part[3]))
     return found
+
+
+def script(path, text):
+    with open(path, "w", encoding="utf-8") as file:
+        file.write("#!/bin/sh\n" + text)
+    os.chmod(path, 0o755)
+
+
+def workplace(folder):
+    """Lays out what the documents take for granted; returns the environment."""
+    for name in ("schema", "recordings", "replay"):
+        os.symlink(os.path.join(SOURCE, name), os.path.join(folder, name))
+    os.mkdir(os.path.join(folder, "bin"))
+    script(os.path.join(folder, "bin", "duckdb"), f'exec node "{SOURCE}/tests/duckdb.js" "$@"\n')
+    script(os.path.join(folder, "bin", "quillagent"),  # a Mac to scan
+           f'QUILLAGENT="{BUILD}/quillagent" exec "{SOURCE}/replay/replay" "{SOURCE}/recordings/macbook-2015-10.11.6" "$@"\n')
+    return dict(os.environ, PATH=f"{folder}/bin:{BUILD}:{os.environ['PATH']}", QUILL_DUCKDB=DUCKDB,
+                QUILLAGENT=f"{BUILD}/quillagent", QUILLINV=f"{BUILD}/quillinv")
 
 
 def newest(known):
@@ -90,6 +121,7 @@ ANSWERS = {  # heading: the rows of the answer
 }
 
 
+@unittest.skipIf(MISSING and not REQUIRED, f"not there: {MISSING}")
 class Fleet(unittest.TestCase):
     def answer_all(self, *options):
         """Yields (heading, rows, what the generator knows) for each command of the document that answers something."""
@@ -97,13 +129,8 @@ class Fleet(unittest.TestCase):
             subprocess.run([os.path.join(SOURCE, "tests", "generate_fleet"), *OPTIONS, *options, "fleet"], cwd=folder, check=True)
             with open(os.path.join(folder, "fleet", "fleet.json"), encoding="utf-8") as file:
                 known = json.load(file)
-            os.symlink(os.path.join(SOURCE, "schema"), os.path.join(folder, "schema"))
-            os.mkdir(os.path.join(folder, "bin"))
-            with open(os.path.join(folder, "bin", "duckdb"), "w", encoding="ascii") as file:
-                file.write(f'#!/bin/sh\nexec node "{SOURCE}/tests/duckdb.js" "$@"\n')
-            os.chmod(os.path.join(folder, "bin", "duckdb"), 0o755)
-            env = dict(os.environ, PATH=f"{folder}/bin:{BUILD}:{os.environ['PATH']}", QUILL_DUCKDB=DUCKDB)
-            for heading, command in blocks():
+            env = workplace(folder)
+            for heading, command in blocks(FLEET):
                 done = subprocess.run(["sh", "-c", command], cwd=folder, env=env, capture_output=True)
                 complaints = [line for line in done.stderr.decode().splitlines() if not re.match("quillinv: fleet/now/damaged_|.*does not tell which Mac", line)]
                 self.assertEqual((complaints, done.returncode in (0, 1, 2)), ([], True), (heading, command, done))
@@ -136,7 +163,40 @@ class Fleet(unittest.TestCase):
                     self.assertEqual(len(self.rows(heading, text)), len(ANSWERS[heading](known)))
 
 
-if MISSING or not os.path.exists(os.path.join(BUILD, "quillinv")):
-    print("not tried, because these are missing:", *MISSING or ["quillinv"], "(.ci/install-engines installs the engines)")
-    sys.exit(1 if os.environ.get("QUILL_ENGINES") == "required" else 77)
+class Documents(unittest.TestCase):
+    def test_every_command_ends_well(self):
+        tried = 0
+        for document in DOCUMENTS:
+            with tempfile.TemporaryDirectory(prefix="quill docs ") as folder:
+                env = workplace(folder)
+                subprocess.run([os.path.join(SOURCE, "tests", "generate_fleet"), "--count", "20", "fleet"], cwd=folder, check=True)
+                for options, name in (["-silent"], None), (["-debug", "-silent"], "DEBUG.inv"):
+                    done = subprocess.run(["quillagent", *options], cwd=folder, env=env, capture_output=True, check=True, text=True)
+                    if name:
+                        os.rename(os.path.join(folder, re.search(">>>(.*)", done.stdout)[1]), os.path.join(folder, name))
+                for heading, text in blocks(document):
+                    if "jq " in text and "jq" in MISSING and not REQUIRED:
+                        continue
+                    done = subprocess.run(["sh", "-ec", text], cwd=folder, env=env, capture_output=True)
+                    tried += 1
+                    with self.subTest(document=document, heading=heading):
+                        self.assertEqual((done.returncode, done.stderr), (0, b""), text)
+        self.assertGreater(tried, 4)
+
+    def test_no_command_stands_in_an_unmarked_block(self):
+        for document in DOCUMENTS:
+            lines = [line for _, text in blocks(document, "") for line in text.splitlines() if COMMAND.match(line.strip(" $"))]
+            with self.subTest(document):
+                self.assertLessEqual(set(re.findall(r"^```(\w.*)$", read(document), re.M)), {"sh", "sh macos", "sh ci"})
+                self.assertEqual(lines if document != MEASURES else [], [])
+
+    def test_the_slow_commands_are_those_of_the_checks(self):
+        checks = read(".ci", "run") + read(".ci", "package")
+        commands = [re.sub("^sudo |\\s+#.*$", "", line) for document in DOCUMENTS for _, text in blocks(document, "sh ci") for line in text.splitlines()]
+        self.assertGreater(len(commands), 4)
+        self.assertEqual([command for command in commands if command not in checks], [])
+
+
+if not os.path.exists(os.path.join(BUILD, "quillinv")):
+    sys.exit("there is no quillinv")
 unittest.main(argv=sys.argv[:1])
