@@ -19,7 +19,7 @@ constexpr std::int64_t kDay = 86400;
 
 // One line, cut between two characters when it is very long.
 std::string Brief(const std::string& whole, std::size_t longest = kLongestText) {
-  const std::string text = PlainLine(whole.substr(0, 4 * longest));
+  std::string text = PlainLine(whole.substr(0, 4 * longest));
   if (text.size() <= longest) return text;
   std::size_t end = longest;
   while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;

@@ -45,7 +45,7 @@ std::string BytesText(const RecordField& field, std::int64_t bytes) {
 std::string DurationText(std::int64_t seconds) {
   constexpr std::int64_t kMinute = 60, kHour = 3600, kDay = 86400;
   if (seconds < kMinute) return std::to_string(seconds) + " s";
-  const std::string minutes = std::to_string(seconds % kHour / kMinute) + " min";
+  std::string minutes = std::to_string(seconds % kHour / kMinute) + " min";
   if (seconds < kHour) return minutes;
   const std::string hours = std::to_string(seconds % kDay / kHour) + " h ";
   if (seconds < kDay) return hours + minutes;

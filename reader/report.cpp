@@ -16,7 +16,7 @@
 namespace {
 
 std::string UserText(const RecordSource& source, const RecordView& mac) {
-  const std::string user = ShownOf(mac, "user_name");
+  std::string user = ShownOf(mac, "user_name");
   for (const RecordView& account : ViewsOf("users", source)) {
     const std::string names = ShownOf(account, "name");
     const std::string full = ShownOf(account, "full_name");

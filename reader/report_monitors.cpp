@@ -26,9 +26,9 @@ struct Monitor {
 std::string Pixels(double number) { return std::to_string(static_cast<int>(number)); }
 
 std::string MonitorName(const RecordView& view) {
-  const std::string model = ShownOf(view, "model");
+  std::string model = ShownOf(view, "model");
   if (!model.empty()) return model;
-  const std::string product = ShownOf(view, "product");
+  std::string product = ShownOf(view, "product");
   return product.empty() ? "Monitor without a name" : product;
 }
 
