@@ -8,7 +8,6 @@
 #include "main/collect/asset_summary.h"
 #include "main/collect/command_runner.h"
 #include "main/collect/host_identity.h"
-#include "main/collect/plist_reader.h"
 #include "main/collect/process_list.h"
 #include "main/collect/profiler.h"
 #include "main/collect/salvage.h"
@@ -162,111 +161,6 @@ TEST(Salvage, FindsTheDocumentAndReplacesWhatIsNotUtf8) {
        "\u007F\u0080\u07FF\u0800\uD7FF\uE000\uFFFF\U00010000\U0010FFFF"},
   };
   for (const auto& c : cases) EXPECT_EQ(SalvagedDocument(c[0]), c[1]);
-}
-
-TEST(RawTree, TakesEveryKindOfValueByItsLevel) {
-  const TagTree tree = RawTree(
-      "<string>stray</string><dict><key>_dataType</key><string>SPFontsDataType</string><key>a</key><string>b</string></"
-      "dict>"
-      "<dict><key>a</key><string>no type</string></dict>"
-      "<dict><key>Anna's, \u2018Mail\u2019/x\u201C</key><string> a\nb </string><key>_dataType</key><string>T/U</string>"
-      "<key>_detailLevel</key><integer>1</integer><key>_properties</key><dict><key>a</key><string>b</string></dict>"
-      "<key>big</key><integer>13</integer><key>d</key><dict><key>big</key><integer>-13</integer><key>data</key>"
-      "<data>AA==</data><key>empty</key><array/><key>late</key><date>4001-02-03T04:05:06Z</date><key>list</key>"
-      "<array><string>x</string><true/><array><integer>2</integer></array></array>"
-      "<key>old</key><date>1901-01-01T00:00:00Z</date><key>real</key><real>2.5</real>"
-      "<key>top</key><integer>18446744073709551615</integer></dict><key>flag</key><true/>"
-      "<key>small</key><integer>-1</integer></dict>");
-  EXPECT_EQ(TextOfTree(tree),
-            "+Macintosh=\n+T=\n+U=\nAnna_s___Mail__x\u201C=a\rb\nbig=13\nsmall=4294967295\n+d=\nbig=-13\n"
-            "late=40010203040506.000000+0\nold=19010101000000.000000+0\nreal=2.50\ntop=-1\n+list=\nitem0=x\n"
-            "*item2=\nitem0=2\n-\n-\n-\n-\n-\n");
-  EXPECT_EQ(FindAttribute(*RootOf(tree).children[0]->children[0], "big")->value.kind, ValueKind::String);
-}
-
-TEST(RawTree, DataTypeNamesOfMoreThan512SegmentsAreUnreadable) {
-  for (const std::size_t slashes : {511u, 512u, 1000000u}) {
-    SCOPED_TRACE(slashes);
-    const TagTree tree = RawTree("<dict><key>_dataType</key><string>" + std::string(slashes, '/') +
-                                 "</string><key>a</key><string>b</string></dict>");
-    EXPECT_EQ(RootOf(tree).children.size(), slashes < 512 ? 1u : 0u);
-  }
-}
-
-TEST(RawTree, NamedListsCountWhatTheySkip) {
-  const std::string list =
-      "<dict><key>A/b</key><string>v</string><key>b</key><integer>20</integer><key>c</key><string/></dict>";
-  const TagTree tree = RawTree(
-      "<dict><key>_dataType</key><string>T</string><key>i</key><dict><key>spfirewall_services"
-      "</key>" +
-      list + "</dict><key>spfirewall_services</key>" + list + "</dict>");
-  EXPECT_EQ(TextOfTree(tree),
-            "+Macintosh=\n+T=\n+i=\n+spfirewall_services=\n*item0=\n_name=A/b\nvalue=v\n*item2=\n_name=c\nvalue=\n-\n"
-            "-\n*spfirewall_services=\nA_b=v\nb=20\nc=\n-\n-\n");
-}
-
-TEST(RawTree, NumbersOfEveryStorageType) {
-  const struct {
-    NumberType type;
-    std::int64_t number;
-    const char* text;
-  } cases[] = {
-      {NumberType::SInt8, -1, "255"},
-      {NumberType::SInt16, -1, "65535"},
-      {NumberType::SInt32, -1, "4294967295"},
-      {NumberType::SInt32, 5, "5"},
-      {NumberType::SInt64, -1, "-1"},
-      {NumberType::LongLong, -1, "-1"},
-      {NumberType::Char, -1, "-1"},
-      {NumberType::Short, -2, "-2"},
-      {NumberType::Int, -3, "-3"},
-      {NumberType::Long, INT64_MIN, "-9223372036854775808"},
-      {NumberType::CFIndex, 4, "4"},
-      {NumberType::NSInteger, -1, "-1"},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(static_cast<int>(c.type));
-    PropertyList number, list;
-    number.kind = PropertyListKind::Number;
-    number.numberType = c.type;
-    number.integer = c.number;
-    list.items = {number};
-    TagTree tree = CreateTree(true, "R");
-    EnterArray(list, RootOf(tree));
-    EXPECT_EQ(TextOfTree(tree), std::string("*R=\nitem0=") + c.text + "\n");
-  }
-}
-
-TEST(Dates, InLocalTimeWithMinutesOfOffset) {
-  if (QUILL_PLATFORM_MACOS) GTEST_SKIP() << "the zone is the machine's";
-  const struct {
-    const char* zone;
-    double seconds;
-    const char* full;
-    const char* shortForm;
-  } cases[] = {
-      {"UTC", 0, "20010101000000.000000+0", "2001-01-01"},
-      {"MSK-3", 437713462.9, "20141115060422.000000+180", "2014-11-15"},
-      {"EST5", 437713462, "20141114220422.000000-300", "2014-11-14"},
-      {"NPT-5:45", -1, "20010101054459.000000+345", "2001-01-01"},
-      {"XXX0:20", 0, "20001231234000.000000-20", "2000-12-31"},
-  };
-  for (const auto& c : cases) {
-    setenv("TZ", c.zone, 1);
-    tzset();
-    EXPECT_EQ(FormatDate(c.seconds, DateForm::Full), c.full) << c.zone;
-    EXPECT_EQ(FormatDate(c.seconds, DateForm::Short), c.shortForm) << c.zone;
-  }
-  unsetenv("TZ");
-  tzset();
-  EXPECT_EQ(FormatDate(1e300, DateForm::Full), "");
-}
-
-TEST(Escaping, LeavesALoneSpecialCharacterAtTheEnd) {
-  const char* cases[][2] = {{"", ""},          {"&", "&"},           {"ab>", "ab>"},
-                            {"a<b", "a&lt;b"}, {"<b>", "&lt;b&gt;"}, {"a'&'", "a&apos;&amp;&apos;"},
-                            {"plain", "plain"}};
-  for (const auto& c : cases) EXPECT_EQ(EscapeXmlText(c[0]), c[1]);
 }
 
 namespace {
