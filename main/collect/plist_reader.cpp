@@ -99,16 +99,19 @@ bool EntersSomething(const PropertyList& node) {
   }
 }
 
+void EnterContainer(const PropertyList& node, Tag& tag) {
+  if (node.kind == PropertyListKind::Dictionary)
+    EnterDictionary(node, tag);
+  else
+    EnterArray(node, tag);
+}
+
 // Enters one value of `tag`'s container under a name.
 void EnterNode(const PropertyList& node, std::string_view name, Tag& tag, Level level) {
   if (!IsContainer(node)) {
     if (std::optional<Value> value = ScalarValue(node, level)) SetAttribute(tag, name, std::move(*value));
   } else if (EntersSomething(node)) {
-    Tag& below = *GetOrAddChild(tag, name);
-    if (node.kind == PropertyListKind::Dictionary)
-      EnterDictionary(node, below);
-    else
-      EnterArray(node, below);
+    EnterContainer(node, *GetOrAddChild(tag, name));
   }
 }
 
@@ -191,8 +194,15 @@ void EnterDictionary(const PropertyList& dictionary, Tag& tag) {
 }
 
 void EnterArray(const PropertyList& array, Tag& tag) {
-  for (std::size_t i = 0; i < array.items.size(); ++i)
-    EnterNode(array.items[i], "item" + std::to_string(i), tag, Level::Nested);
+  const bool isNew = tag.children.empty();  // then no name can be there, and long lists need no search
+  for (std::size_t i = 0; i < array.items.size(); ++i) {
+    const PropertyList& node = array.items[i];
+    const std::string name = "item" + std::to_string(i);
+    if (isNew && IsContainer(node) && EntersSomething(node))
+      EnterContainer(node, *AppendChild(tag, name));
+    else
+      EnterNode(node, name, tag, Level::Nested);
+  }
 }
 
 void EnterNamedList(const PropertyList& dictionary, Tag& tag) {
