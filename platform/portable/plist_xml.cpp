@@ -3,6 +3,7 @@
 #include "platform/portable/plist_xml.h"
 
 #include <algorithm>
+#include <functional>
 #include <iterator>
 #include <numeric>
 #include <optional>
@@ -103,8 +104,8 @@ bool SkipDeclaration(Reading& reading) {
   return true;
 }
 
-// What an element of text says. Data is not decoded.
-std::optional<PropertyList> ScalarOf(Element element, std::string& text) {
+// The number or the moment that a text says. Data is not decoded.
+std::optional<PropertyList> ScalarOf(Element element, const std::string& text) {
   switch (element) {
     case Element::Integer:
       return ReadInteger(text);
@@ -112,11 +113,8 @@ std::optional<PropertyList> ScalarOf(Element element, std::string& text) {
       return ReadReal(text);
     case Element::Date:
       return ReadDate(text);
-    case Element::Data:
-      if (text.empty()) return std::nullopt;
-      return MakeData();
     default:
-      return MakeText(std::move(text));
+      return text.empty() ? std::nullopt : std::optional(MakeData());
   }
 }
 
@@ -146,6 +144,12 @@ bool TakeScalar(Reading& reading, Tag tag) {
     reading.keys.push_back(reading.text);
     return true;
   }
+  if (isText) {
+    PropertyList& value = reading.values.emplace_back();
+    value.kind = PropertyListKind::Text;
+    value.text = reading.text;
+    return true;
+  }
   std::optional<PropertyList> scalar = ScalarOf(element, reading.text);
   if (scalar) reading.values.push_back(std::move(*scalar));
   return scalar.has_value();
@@ -154,6 +158,8 @@ bool TakeScalar(Reading& reading, Tag tag) {
 // A key that is there twice keeps its first place and takes the last value.
 void MergeRepeatedKeys(PropertyList& dictionary) {
   const std::vector<std::string>& keys = dictionary.keys;
+  // In order, as the profiler writes them, none can be.
+  if (std::adjacent_find(keys.begin(), keys.end(), std::greater_equal<>()) == keys.end()) return;
   std::vector<std::size_t> order(keys.size());
   std::iota(order.begin(), order.end(), std::size_t{0});
   std::sort(order.begin(), order.end(), [&keys](std::size_t a, std::size_t b) {
