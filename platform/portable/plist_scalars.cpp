@@ -15,14 +15,6 @@ PropertyList MakeInteger(std::int64_t number, NumberType type) {
   return list;
 }
 
-// 16 or more for what is no digit.
-unsigned DigitValue(char c) {
-  if (c >= '0' && c <= '9') return static_cast<unsigned>(c - '0');
-  if (c >= 'a' && c <= 'f') return static_cast<unsigned>(c - 'a') + 10;
-  if (c >= 'A' && c <= 'F') return static_cast<unsigned>(c - 'A') + 10;
-  return 16;
-}
-
 // No value for no digits, for other characters and from 2^64 on.
 std::optional<std::uint64_t> ReadDigits(std::string_view digits, unsigned base) {
   std::uint64_t number = 0;
@@ -92,6 +84,13 @@ PropertyList MakeWholeNumber(std::int64_t number) {
 
 PropertyList MakeLargeNumber(std::uint64_t number) {
   return MakeInteger(static_cast<std::int64_t>(number), NumberType::SInt64);
+}
+
+unsigned DigitValue(char c) {
+  if (c >= '0' && c <= '9') return static_cast<unsigned>(c - '0');
+  if (c >= 'a' && c <= 'f') return static_cast<unsigned>(c - 'a') + 10;
+  if (c >= 'A' && c <= 'F') return static_cast<unsigned>(c - 'A') + 10;
+  return 16;
 }
 
 std::optional<PropertyList> ReadInteger(std::string_view text) {

@@ -17,6 +17,9 @@ PropertyList MakeWholeNumber(std::int64_t number);
 // A number from 2^63 on: an SInt64 of the same bits, whichever they are.
 PropertyList MakeLargeNumber(std::uint64_t number);
 
+// The value of a hexadecimal digit; 16 for every other character.
+unsigned DigitValue(char c);
+
 // Whole numbers from -2^63 to 2^64-1, decimal or hexadecimal behind "0x", with a sign or without. No value for any
 // other text.
 std::optional<PropertyList> ReadInteger(std::string_view text);

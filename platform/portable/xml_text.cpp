@@ -3,6 +3,7 @@
 #include "platform/portable/xml_text.h"
 
 #include "platform/plist_encoding.h"
+#include "platform/portable/plist_scalars.h"
 
 namespace {
 
@@ -16,12 +17,6 @@ constexpr struct {
 
 bool StartsWith(std::string_view text, std::string_view start) { return text.substr(0, start.size()) == start; }
 
-unsigned HexValue(char c) {
-  if (c >= '0' && c <= '9') return static_cast<unsigned>(c - '0');
-  if (c >= 'a' && c <= 'f') return static_cast<unsigned>(c - 'a') + 10;
-  return c >= 'A' && c <= 'F' ? static_cast<unsigned>(c - 'A') + 10 : 16;
-}
-
 // "#233" or "#xE9". deliberate: no digit at all is the character 0
 bool AppendNumberedCharacter(std::string_view digits, std::string& text) {
   const bool hexadecimal = StartsWith(digits, "x");
@@ -30,8 +25,8 @@ bool AppendNumberedCharacter(std::string_view digits, std::string& text) {
   const unsigned base = hexadecimal ? 16 : 10;
   char32_t character = 0;
   for (const char c : digits) {
-    if (HexValue(c) >= base) return false;
-    character = character * base + HexValue(c);
+    if (DigitValue(c) >= base) return false;
+    character = character * base + DigitValue(c);
   }
   if (character > 0x10FFFF || (character >= 0xD800 && character < 0xE000)) return false;
   AppendUtf8(text, character);
