@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr std::string_view kAnyTag = "";
+constexpr std::string_view kAnyTag;  // the empty name
 constexpr std::uint64_t kMost = UINT64_MAX;
 
 struct Unit {
