@@ -20,10 +20,15 @@ TEST(RawTree, TakesEveryKindOfValueByItsLevel) {
       "<key>old</key><date>1901-01-01T00:00:00Z</date><key>real</key><real>2.5</real>"
       "<key>top</key><integer>18446744073709551615</integer></dict><key>flag</key><true/>"
       "<key>small</key><integer>-1</integer></dict>");
-  EXPECT_EQ(TextOfTree(tree),
-            "+Macintosh=\n+T=\n+U=\nAnna_s___Mail__x\u201C=a\rb\nbig=13\nsmall=4294967295\n+d=\nbig=-13\n"
-            "late=40010203040506.000000+0\nold=19010101000000.000000+0\nreal=2.50\ntop=-1\n+list=\nitem0=x\n"
-            "*item2=\nitem0=2\n-\n-\n-\n-\n-\n");
+  EXPECT_EQ(ShownTree(tree, "T/U"), R"(
++U=; Anna_s___Mail__x“=a\rb; big=13; small=4294967295
++d=; big=-13; late=40010203040506.000000+0; old=19010101000000.000000+0; real=2.50; top=-1
++list=; item0=x
+*item2=; item0=2
+-
+-
+-
+)");
   EXPECT_EQ(FindAttribute(*RootOf(tree).children[0]->children[0], "big")->value.kind, ValueKind::String);
 }
 
@@ -43,9 +48,17 @@ TEST(RawTree, NamedListsCountWhatTheySkip) {
       "<dict><key>_dataType</key><string>T</string><key>i</key><dict><key>spfirewall_services"
       "</key>" +
       list + "</dict><key>spfirewall_services</key>" + list + "</dict>");
-  EXPECT_EQ(TextOfTree(tree),
-            "+Macintosh=\n+T=\n+i=\n+spfirewall_services=\n*item0=\n_name=A/b\nvalue=v\n*item2=\n_name=c\nvalue=\n-\n"
-            "-\n*spfirewall_services=\nA_b=v\nb=20\nc=\n-\n-\n");
+  EXPECT_EQ(ShownTree(tree, "T"), R"(
++T=
++i=
++spfirewall_services=
+*item0=; _name=A/b; value=v
+*item2=; _name=c; value=
+-
+-
+*spfirewall_services=; A_b=v; b=20; c=
+-
+)");
 }
 
 TEST(RawTree, NumbersOfEveryStorageType) {
