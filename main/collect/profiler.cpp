@@ -23,7 +23,7 @@ constexpr std::size_t kTailSize = sizeof kTail - 1;
 static_assert(kHeadSize == 172 && kTailSize == 18);
 
 constexpr std::size_t kChunkSize = 65536;
-constexpr std::size_t kUsualSize = std::size_t{16} << 20;  // of the joined document of a Mac with 20,000 applications
+constexpr std::size_t kUsualSize = std::size_t{32} << 20;  // of the joined document of a Mac with 40,000 applications
 constexpr int kRuns = 5;
 
 struct DataType {
