@@ -170,6 +170,9 @@ for name in (b"Caf\xe9", b"N" * 4096, SPECIAL.encode()):
     escaped = escape(name.decode("latin-1")).encode("latin-1")
     got = attempt(f"an application called {name[:9]}", ALL, apps=MAIL.replace(b"Mail", escaped))
     expect(f"the name {name[:9]}", b"=" + name.decode(errors="replace").encode() + b"\n" in got, True)
+READER = os.path.join(BUILD, "quillinv")
+attempt("names that hold zero bytes", ALL, f'"$AGENT" && {{ [ ! -x "{READER}" ] || "{READER}" check ./*.inv; }}', files={
+    "env.txt": b"A\0b=c\0d\n", "dscl/ann.txt": b"\nNFSHomeDirectory: /Users/ann\nRecordName: a\0nn\nRecordType: users\n"})
 key = escape(SPECIAL)
 got = attempt("keys with special characters", ALL | {"Security"}, files={
     "system_profiler/SPPowerDataType.xml": document("SPPowerDataType", {

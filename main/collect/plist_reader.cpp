@@ -6,6 +6,7 @@
 #include <array>
 #include <iterator>
 #include <optional>
+#include <utility>
 
 namespace {
 

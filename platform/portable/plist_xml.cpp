@@ -8,6 +8,7 @@
 #include <numeric>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/plist_encoding.h"
